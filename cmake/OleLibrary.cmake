@@ -1,0 +1,20 @@
+# One way to make a shared library of the project, so that the libraries differ in name only.
+
+# ole_add_library(<name> <define>): a shared library of every source below the calling folder, with
+# the alias ole::<name>. <define> is set while the library itself is built, for its export macro.
+function(ole_add_library name define)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+  if(NOT sources)
+    set(sources "${CMAKE_CURRENT_BINARY_DIR}/empty.cpp")
+    file(WRITE "${sources}" "")
+  endif()
+  add_library(${name} SHARED ${sources})
+  add_library(ole::${name} ALIAS ${name})
+  set_target_properties(${name} PROPERTIES
+    LINKER_LANGUAGE CXX
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR})
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  target_compile_definitions(${name} PRIVATE ${define})
+  target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:ole_flags>)
+endfunction()

@@ -1,0 +1,34 @@
+# Flags that every target of the project shares. They are build requirements only: nothing here
+# reaches a program that uses the installed libraries.
+#
+# The library target `ole_flags` carries warnings and sanitizers; each target links it privately.
+
+option(OLE_WERROR "Treat compiler warnings as errors" ON)
+set(OLE_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. \"address;undefined\"")
+
+add_library(ole_flags INTERFACE)
+
+set(OLE_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(OLE_WERROR)
+  list(APPEND OLE_WARNINGS -Werror)
+endif()
+target_compile_options(ole_flags INTERFACE ${OLE_WARNINGS})
+
+if(OLE_SANITIZE)
+  string(REPLACE ";" "," sanitizers "${OLE_SANITIZE}")
+  target_compile_options(
+    ole_flags INTERFACE -fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(ole_flags INTERFACE -fsanitize=${sanitizers})
+endif()
+
+# Undefined symbols show when a library is linked, not when a program loads it. A sanitizer's own
+# symbols are found in the program only, so there the check would fail.
+if(NOT OLE_SANITIZE AND NOT APPLE)
+  target_link_options(ole_flags INTERFACE "$<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>:LINKER:--no-undefined>")
+endif()
+
+find_program(OLE_CCACHE ccache)
+mark_as_advanced(OLE_CCACHE)
+if(OLE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${OLE_CCACHE}")
+endif()

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "tarn/export.h"
+#include "tarn/LightweightString.h"
+
+#include <string_view>
+
+namespace Tarn {
+
+/// A line of a settings file, cut at the first separator; white space around both halves is
+/// dropped.
+class TARN_API AttribValuePair {
+public:
+    AttribValuePair(std::string_view line, std::string_view separator);
+    AttribValuePair(const LightweightString<char>& line, const char* separator)
+        : AttribValuePair{line.view(), std::string_view{separator}} {}
+
+    /// False without a separator or with an empty attribute; an empty value is fine.
+    [[nodiscard]] bool valid() const noexcept { return !attribute_.empty(); }
+    [[nodiscard]] const LightweightString<char>& attribute() const noexcept { return attribute_; }
+    [[nodiscard]] const LightweightString<char>& value() const noexcept { return value_; }
+
+private:
+    LightweightString<char> attribute_;
+    LightweightString<char> value_;
+};
+
+} // namespace Tarn

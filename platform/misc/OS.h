@@ -1,0 +1,28 @@
+#pragma once
+
+#include "tarn/export.h"
+#include "tarn/LightweightString.h"
+
+#include <cstddef>
+
+namespace Tarn {
+
+/// What the module asks of the operating system.
+class TARN_API OperatingSystem {
+public:
+    /// Resizes a block from an earlier call (null: a new one) and returns it, perhaps moved;
+    /// contents stay. 0 bytes frees it and returns null. Throws std::bad_alloc, leaving the old
+    /// block as it was.
+    void* reallocate(void* block, std::size_t bytes);
+    /// Removes a file; false when that fails.
+    bool removeFile(const LightweightString<wchar_t>& path) noexcept;
+    /// Moves a file. With `replace` 0 an existing file at `to` is left alone and the result is
+    /// false.
+    bool moveFile(const LightweightString<wchar_t>& from, const LightweightString<wchar_t>& to,
+                  int replace) noexcept;
+};
+
+} // namespace Tarn
+
+/// The one operating system object.
+TARN_API Tarn::OperatingSystem& OS() noexcept;

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "tarn/export.h"
+#include "tarn/LightweightString.h"
+
+#include <array>
+#include <compare>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+/// The kinds of items that a cookie can name.
+namespace CookieType {
+inline constexpr char Invalid = 'I';
+inline constexpr char Unspecified = 'U';
+inline constexpr char Group = 'M';
+inline constexpr char Rack = 'B';
+} // namespace CookieType
+
+/// An item identifier: a UUID of 16 bytes, a kind letter and eight flags. All three are its
+/// identity.
+///
+/// Two text forms, both lossless, both read by either parsing mode:
+/// short  = letter, 32 hex digits, 2 hex digits of flags            (35 characters)
+/// long   = letter "-" 8-4-4-4-12 hex digits "-" 2 hex digits of flags
+class TARN_API Cookie {
+public:
+    using Uuid = std::array<std::uint8_t, 16>;
+
+    /// The invalid cookie: kind 'I', zero UUID, flags 255.
+    Cookie() noexcept = default;
+    Cookie(const Uuid& uuid, char kind, std::uint8_t flags) noexcept
+        : uuid_{uuid}, kind_{kind}, flags_{flags} {}
+    /// Parses a text. White space around it and hyphens are ignored, hex digits of either case are
+    /// read. By the number of characters left: 32 the UUID alone, 33 letter and UUID, 34 UUID and
+    /// flags, 35 all three. Missing flags are 255. With `stored` the letter is required; without, a
+    /// missing letter means kind 'U'. Anything else gives the invalid cookie. Null reads as "".
+    Cookie(const char* text, bool stored) noexcept;
+    Cookie(const LightweightString<char>& text, bool stored) noexcept
+        : Cookie{text.c_str(), stored} {}
+    Cookie(const LightweightString<wchar_t>& text, bool stored) noexcept;
+
+    /// A new random identifier (UUID version 4) of the given kind and flags.
+    static Cookie random(char kind, std::uint8_t flags);
+
+    /// The text form: long with `longForm`, else short; "" for the invalid cookie.
+    [[nodiscard]] LightweightString<char> asString(bool longForm) const;
+
+    [[nodiscard]] bool valid() const noexcept { return kind_ != CookieType::Invalid; }
+    [[nodiscard]] char kind() const noexcept { return kind_; }
+    [[nodiscard]] std::uint8_t flags() const noexcept { return flags_; }
+    [[nodiscard]] const Uuid& uuid() const noexcept { return uuid_; }
+
+    /// Negative, zero or positive: by kind, then UUID bytes, then flags.
+    [[nodiscard]] int compare(const Cookie& other) const noexcept;
+    friend bool operator==(const Cookie& a, const Cookie& b) noexcept { return a.compare(b) == 0; }
+    friend std::strong_ordering operator<=>(const Cookie& a, const Cookie& b) noexcept {
+        return a.compare(b) <=> 0;
+    }
+
+private:
+    Uuid uuid_{};
+    char kind_ = CookieType::Invalid;
+    std::uint8_t flags_ = 255;
+};
+
+using CookieVec = std::vector<Cookie>;
+
+/// The same UUID with another kind and flags; an invalid cookie stays invalid.
+TARN_API Cookie convertCookie(const Cookie& cookie, char kind, std::uint8_t flags) noexcept;
+
+/// Hash for unordered maps keyed by cookies.
+struct TARN_API CookieHash {
+    std::size_t operator()(const Cookie& cookie) const noexcept;
+};

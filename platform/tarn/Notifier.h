@@ -1,0 +1,47 @@
+#pragma once
+
+#include "tarn/export.h"
+#include "tarn/Guard.h"
+#include "tarn/MethodCallback.h"
+#include "tarn/NotifyMsg.h"
+#include "tarn/Ptr.h"
+
+#include <memory>
+
+/// The interface of a source of notifications.
+class TARN_API NotifierBase {
+public:
+    virtual ~NotifierBase();
+    /// Calls every listener of the message type, on this thread, before it returns.
+    virtual void issueNotification(const NotifyMsg& msg, int type) = 0;
+    /// Registers a listener for a message type. The caller holds the guard; dropping it
+    /// deregisters.
+    [[nodiscard]] virtual Tarn::Ptr<Tarn::Guard> registerInterest(NotifyCallback listener,
+                                                                  int type) = 0;
+};
+
+/// A source of notifications with its list of listeners.
+///
+/// Listeners are called in the order of registration. During a round, a listener that registers
+/// waits for the next round; one that deregisters before its turn is not called; a listener may
+/// drop its own guard or destroy the notifier, which ends the round. Rounds nest. An exception from
+/// a listener passes through to the issuer and leaves the list whole. One thread at a time.
+class TARN_API Notifier : public NotifierBase {
+public:
+    Notifier();
+    ~Notifier() override;
+    Notifier(const Notifier&) = delete;
+    Notifier& operator=(const Notifier&) = delete;
+
+    void issueNotification(const NotifyMsg& msg, int type) override;
+    [[nodiscard]] Tarn::Ptr<Tarn::Guard> registerInterest(NotifyCallback listener,
+                                                          int type) override;
+    /// Whether anybody listens to a message type: lets a source save making the message.
+    [[nodiscard]] bool hasListeners(int type) const noexcept;
+
+    /// The list of registrations, shared with the guards; for the implementation alone.
+    struct Registry;
+
+private:
+    std::shared_ptr<Registry> registry_;
+};

@@ -1,0 +1,179 @@
+// Storage of the counted strings: blocks are cut one after the other from chunks of 64 KiB.
+//
+// A chunk stands at a multiple of its size, so a block finds its chunk by masking its address.
+// While a thread cuts from a chunk, the chunk's count holds a large lead, so blocks that die
+// meanwhile, on any thread, cannot bring it to zero; the lead is settled when the thread leaves the
+// chunk, and from then on the death of the last block frees it. Texts too long for a chunk go to
+// the system's allocator.
+
+#include "tarn/StringMemory.h"
+
+#include <atomic>
+#include <cstdint>
+#include <new>
+
+namespace Tarn::StringMemory {
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool chunked = false; // every block on its own, so that a stale pointer is seen
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool chunked = false;
+#else
+constexpr bool chunked = true;
+#endif
+#else
+constexpr bool chunked = true;
+#endif
+
+constexpr std::size_t chunkAlignment = 64 * 1024;
+// Two words less than the alignment: the allocator's own header then fits before the next chunk.
+constexpr std::size_t chunkBytes = chunkAlignment - 2 * sizeof(void*);
+constexpr std::size_t longestInChunk = 4096;
+constexpr int lead = 1 << 24;
+
+struct Chunk {
+    int live;
+    int given;
+    std::size_t used;
+};
+
+std::atomic<std::size_t> held{0};
+
+std::size_t rounded(std::size_t bytes) noexcept {
+    return (bytes + 3) & ~std::size_t{3};
+}
+
+void* takeFromSystem(std::size_t bytes) {
+    void* const memory = ::operator new(bytes);
+    held.fetch_add(bytes, std::memory_order_relaxed);
+    return memory;
+}
+
+void giveToSystem(void* memory, std::size_t bytes) noexcept {
+    held.fetch_sub(bytes, std::memory_order_relaxed);
+    ::operator delete(memory);
+}
+
+void open(Chunk* chunk) noexcept {
+    *chunk = Chunk{lead, 0, sizeof(Chunk)};
+}
+
+Chunk* newChunk() {
+    auto* const chunk =
+        static_cast<Chunk*>(::operator new (chunkBytes, std::align_val_t{chunkAlignment}));
+    held.fetch_add(chunkBytes, std::memory_order_relaxed);
+    open(chunk);
+    return chunk;
+}
+
+void deleteChunk(Chunk* chunk) noexcept {
+    held.fetch_sub(chunkBytes, std::memory_order_relaxed);
+    ::operator delete (chunk, std::align_val_t{chunkAlignment});
+}
+
+/// Takes n from the chunk's count; true when nothing is left in it.
+bool lower(Chunk* chunk, int n) noexcept {
+#if defined(__GLIBCXX__)
+    return __gnu_cxx::__exchange_and_add_dispatch(&chunk->live, -n) == n;
+#else
+    return __atomic_fetch_sub(&chunk->live, n, __ATOMIC_ACQ_REL) == n;
+#endif
+}
+
+bool allBlocksDied(const Chunk* chunk) noexcept {
+    return __atomic_load_n(&chunk->live, __ATOMIC_ACQUIRE) == lead - chunk->given;
+}
+
+void leave(Chunk* chunk) noexcept {
+    if (lower(chunk, lead - chunk->given)) {
+        deleteChunk(chunk);
+    }
+}
+
+void* cut(Chunk* chunk, std::size_t bytes) noexcept {
+    void* const block = reinterpret_cast<unsigned char*>(chunk) + chunk->used;
+    chunk->used += bytes;
+    ++chunk->given;
+    return block;
+}
+
+/// The chunk that a thread cuts from.
+class Cutter {
+public:
+    Cutter() = default;
+    Cutter(const Cutter&) = delete;
+    Cutter& operator=(const Cutter&) = delete;
+    ~Cutter() {
+        if (chunk_) {
+            leave(chunk_);
+        }
+        chunk_ = nullptr;
+        ended_ = true;
+    }
+
+    void* allocate(std::size_t bytes) {
+        if (chunk_ && chunk_->used + bytes <= chunkBytes) {
+            return cut(chunk_, bytes);
+        }
+        return allocateFromNext(bytes);
+    }
+
+private:
+    void* allocateFromNext(std::size_t bytes) {
+        if (chunk_ && allBlocksDied(chunk_)) {
+            open(chunk_);
+            return cut(chunk_, bytes);
+        }
+        Chunk* const next = newChunk();
+        if (ended_) { // a string made while the thread's own objects die: a chunk for it alone
+            void* const block = cut(next, bytes);
+            leave(next);
+            return block;
+        }
+        if (chunk_) {
+            leave(chunk_);
+        }
+        chunk_ = next;
+        return cut(chunk_, bytes);
+    }
+
+    Chunk* chunk_ = nullptr;
+    bool ended_ = false;
+};
+
+Cutter& cutter() {
+    thread_local Cutter mine;
+    return mine;
+}
+
+Chunk* chunkOf(void* block) noexcept {
+    return reinterpret_cast<Chunk*>(reinterpret_cast<std::uintptr_t>(block) &
+                                    ~(chunkAlignment - 1));
+}
+
+} // namespace
+
+void* allocate(std::size_t bytes) {
+    const std::size_t size = rounded(bytes);
+    return chunked && size <= longestInChunk ? cutter().allocate(size) : takeFromSystem(size);
+}
+
+void release(void* block, std::size_t bytes) noexcept {
+    const std::size_t size = rounded(bytes);
+    if (!chunked || size > longestInChunk) {
+        giveToSystem(block, size);
+        return;
+    }
+    Chunk* const chunk = chunkOf(block);
+    if (lower(chunk, 1)) {
+        deleteChunk(chunk);
+    }
+}
+
+std::size_t bytesHeld() noexcept {
+    return held.load(std::memory_order_relaxed);
+}
+
+} // namespace Tarn::StringMemory

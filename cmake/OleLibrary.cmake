@@ -11,9 +11,9 @@ function(ole_add_library name define)
   add_library(${name} SHARED ${sources})
   add_library(ole::${name} ALIAS ${name})
   set_target_properties(${name} PROPERTIES
-    LINKER_LANGUAGE CXX
     VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR})
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    INSTALL_RPATH "$ORIGIN")
   target_compile_features(${name} PUBLIC cxx_std_20)
   target_compile_definitions(${name} PRIVATE ${define})
   target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:ole_flags>)

@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# Builds everything and runs all tests. Can be run again, from any folder, and asks nothing.
+set -euo pipefail
+
+usage() {
+  cat <<'END'
+usage: ./test.sh [OPTION]... [-- CTEST-ARGUMENT...]
+
+Installs what is missing (apt-get), builds the libraries, the tool and the tests,
+and runs all tests.
+
+  --asan        build with AddressSanitizer and UndefinedBehaviorSanitizer
+  --debug       build without optimisation, with checked standard containers
+  --clang       build with Clang
+  --jobs N      run N jobs at a time (default: one for each processor)
+  --no-install  install nothing
+  --help        show this text
+
+What follows -- goes to ctest, for example: ./test.sh -- -R Cookie
+Tests that read real logs find them in the folder that OLE_REAL_LOGS names; without
+it they are skipped and say so.
+END
+}
+
+preset=release
+install=yes
+jobs=$(nproc)
+while [ $# -gt 0 ]; do
+  case $1 in
+    --asan | --debug | --clang) preset=${1#--} ;;
+    --jobs)
+      [[ ${2-} =~ ^[1-9][0-9]*$ ]] || { echo "test.sh: --jobs takes a number" >&2; exit 2; }
+      jobs=$2
+      shift
+      ;;
+    --no-install) install=no ;;
+    --help | -h) usage; exit 0 ;;
+    --) shift; break ;;
+    *) echo "test.sh: unknown option $1" >&2; usage >&2; exit 2 ;;
+  esac
+  shift
+done
+
+cd "$(dirname "${BASH_SOURCE[0]}")"
+
+if [ $install = yes ]; then
+  echo "== Installing what is missing"
+  groups=(build test)
+  [ "$preset" != clang ] || groups+=(lint)
+  scripts/install-deps.sh "${groups[@]}"
+fi
+
+echo "== Building into build/$preset"
+cmake --preset "$preset" </dev/null
+cmake --build --preset "$preset" --parallel "$jobs" </dev/null
+
+echo "== Testing"
+if [ -z "${OLE_REAL_LOGS-}" ]; then
+  echo "OLE_REAL_LOGS is not set: tests that read real logs are skipped"
+fi
+ctest --preset "$preset" --parallel "$jobs" "$@" </dev/null

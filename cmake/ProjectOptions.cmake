@@ -13,6 +13,7 @@ if(OLE_WERROR)
   list(APPEND OLE_WARNINGS -Werror)
 endif()
 target_compile_options(ole_flags INTERFACE ${OLE_WARNINGS})
+target_compile_definitions(ole_flags INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 
 if(OLE_SANITIZE)
   string(REPLACE ";" "," sanitizers "${OLE_SANITIZE}")
@@ -24,7 +25,8 @@ endif()
 # Undefined symbols show when a library is linked, not when a program loads it. A sanitizer's own
 # symbols are found in the program only, so there the check would fail.
 if(NOT OLE_SANITIZE AND NOT APPLE)
-  target_link_options(ole_flags INTERFACE "$<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>:LINKER:--no-undefined>")
+  set(is_library "$<STREQUAL:$<TARGET_PROPERTY:TYPE>,SHARED_LIBRARY>")
+  target_link_options(ole_flags INTERFACE "$<${is_library}:LINKER:--no-undefined>")
 endif()
 
 find_program(OLE_CCACHE ccache)

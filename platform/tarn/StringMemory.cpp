@@ -99,53 +99,54 @@ void* cut(Chunk* chunk, std::size_t bytes) noexcept {
     return block;
 }
 
-/// The chunk that a thread cuts from.
-class Cutter {
-public:
-    Cutter() = default;
-    Cutter(const Cutter&) = delete;
-    Cutter& operator=(const Cutter&) = delete;
-    ~Cutter() {
-        if (chunk_) {
-            leave(chunk_);
-        }
-        chunk_ = nullptr;
-        ended_ = true;
-    }
+// What a thread cuts from. Both outlive the thread's own objects, whose destructors may still make
+// strings.
+constinit thread_local Chunk* current = nullptr;
+constinit thread_local bool ended = false;
 
-    void* allocate(std::size_t bytes) {
-        if (chunk_ && chunk_->used + bytes <= chunkBytes) {
-            return cut(chunk_, bytes);
+/// Leaves the thread's last chunk when the thread ends.
+struct ThreadEnd {
+    ThreadEnd() = default;
+    ThreadEnd(const ThreadEnd&) = delete;
+    ThreadEnd& operator=(const ThreadEnd&) = delete;
+    ~ThreadEnd() {
+        if (current) {
+            leave(current);
         }
-        return allocateFromNext(bytes);
+        current = nullptr;
+        ended = true;
     }
-
-private:
-    void* allocateFromNext(std::size_t bytes) {
-        if (chunk_ && allBlocksDied(chunk_)) {
-            open(chunk_);
-            return cut(chunk_, bytes);
-        }
-        Chunk* const next = newChunk();
-        if (ended_) { // a string made while the thread's own objects die: a chunk for it alone
-            void* const block = cut(next, bytes);
-            leave(next);
-            return block;
-        }
-        if (chunk_) {
-            leave(chunk_);
-        }
-        chunk_ = next;
-        return cut(chunk_, bytes);
-    }
-
-    Chunk* chunk_ = nullptr;
-    bool ended_ = false;
 };
 
-Cutter& cutter() {
-    thread_local Cutter mine;
-    return mine;
+void followThreadEnd() {
+    thread_local const ThreadEnd end;
+}
+
+void* cutFromNext(std::size_t bytes) {
+    if (current && allBlocksDied(current)) {
+        open(current);
+        return cut(current, bytes);
+    }
+    Chunk* const next = newChunk();
+    if (ended) { // a chunk for this block alone
+        void* const block = cut(next, bytes);
+        leave(next);
+        return block;
+    }
+    if (current) {
+        leave(current);
+    } else {
+        followThreadEnd();
+    }
+    current = next;
+    return cut(current, bytes);
+}
+
+void* cutFromCurrent(std::size_t bytes) {
+    if (current && current->used + bytes <= chunkBytes) {
+        return cut(current, bytes);
+    }
+    return cutFromNext(bytes);
 }
 
 Chunk* chunkOf(void* block) noexcept {
@@ -157,7 +158,7 @@ Chunk* chunkOf(void* block) noexcept {
 
 void* allocate(std::size_t bytes) {
     const std::size_t size = rounded(bytes);
-    return chunked && size <= longestInChunk ? cutter().allocate(size) : takeFromSystem(size);
+    return chunked && size <= longestInChunk ? cutFromCurrent(size) : takeFromSystem(size);
 }
 
 void release(void* block, std::size_t bytes) noexcept {

@@ -86,5 +86,5 @@ echo "install-deps: apt-get update"
 as_root apt-get update -qq </dev/null
 echo "install-deps: apt-get install ${missing[*]}"
 as_root env DEBIAN_FRONTEND=noninteractive \
-  apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null
+  apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null >/dev/null
 echo "install-deps: done"

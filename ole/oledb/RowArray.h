@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+class dbrecord;
+
+/// The rows of a table: an array of owned record pointers.
+///
+/// Callers see a capacity that starts at `chunk` slots and grows by `chunk`; it is kept as a
+/// number, while the array itself grows by doubling, so that adding rows one by one stays linear.
+class RowArray {
+public:
+    static constexpr unsigned chunk = 500;
+
+    RowArray() = default;
+    RowArray(const RowArray&) = delete;
+    RowArray& operator=(const RowArray&) = delete;
+    ~RowArray();
+
+    [[nodiscard]] unsigned count() const noexcept { return count_; }
+    [[nodiscard]] unsigned capacity() const noexcept { return capacity_; }
+    /// Row i; null out of range.
+    [[nodiscard]] dbrecord* at(unsigned i) const noexcept {
+        return i < count_ ? rows_[i] : nullptr;
+    }
+    /// The rows side by side, for sorting; null where none was ever held.
+    [[nodiscard]] dbrecord** data() noexcept { return rows_; }
+
+    /// Raises the capacity by whole chunks until `rows` more rows fit, and the array with it.
+    void makeRoomFor(unsigned rows);
+    /// Sets the capacity of an empty table to one chunk.
+    void startChunk();
+    /// Appends a row; there must be room.
+    void append(std::unique_ptr<dbrecord> row) noexcept;
+    /// Puts rows before row `at`, which is at most the count; there must be room. Linear in the
+    /// rows behind.
+    void insert(unsigned at, std::vector<std::unique_ptr<dbrecord>>& rows) noexcept;
+    /// Deletes n rows from `from` on; both lie within the count. Linear in the rows behind.
+    void remove(unsigned from, unsigned n) noexcept;
+    /// Deletes all rows and the array; the capacity is 0 again.
+    void clear() noexcept;
+    /// Lets go of rows and array without deleting them.
+    void abandon() noexcept;
+    /// The position of a record, or all ones. Linear in the rows.
+    [[nodiscard]] unsigned find(const dbrecord* row) const noexcept;
+
+private:
+    void reserve(std::size_t slots);
+
+    dbrecord** rows_ = nullptr;
+    unsigned count_ = 0;
+    unsigned capacity_ = 0;
+    std::size_t physical_ = 0;
+};

@@ -1,0 +1,134 @@
+#pragma once
+
+#include "ole/ole.h"
+#include "ole/oledb/DBFieldTypes.h"
+#include "tarn/LightweightString.h"
+
+#include <concepts>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+class TextFile;
+class StringList;
+class configb;
+class oledb;
+
+/// One row: an array of text values, one a column.
+///
+/// Two counts are kept apart on purpose. `size` is the number of slots and bounds writing;
+/// `nfields` is the number of values in use and bounds reading. Only construction and
+/// `resizeRecord` set `size`; assignment and `read` lower `nfields` to what they were given, and a
+/// table refuses loaded rows whose `nfields` is not its column count. So a slot at or beyond
+/// `nfields` can be written, and the value is not seen by `get_field`.
+///
+/// Values are shared counted strings, so copying a record copies no text. Every successful write
+/// sets the record's changed flag, and its table's where it has one, also when the value is the
+/// same as before.
+class OLE_API dbrecord {
+public:
+    /// The type list of records that are made without one: 256 times `NONE`, never written.
+    static DBFieldTypes::eType def_types[256];
+
+    /// An unattached record of n empty slots.
+    explicit dbrecord(unsigned short n);
+    /// The same with a list of types that is not copied and must outlive its use; null means
+    /// `def_types`.
+    dbrecord(unsigned short n, DBFieldTypes::eType* types);
+    /// A copy with n slots (0: as many as the source has), all of them in use, whatever the
+    /// source's `nfields` is. Container and tag are deliberately not copied.
+    dbrecord(const dbrecord& src, unsigned short n);
+    dbrecord(const dbrecord& src) : dbrecord{src, 0} {}
+    /// Takes over the source's values, at most as many as there are slots here, each without its
+    /// leading white space; `nfields` becomes the number of values taken. Slots beyond keep their
+    /// old text, and container, types, size and tag stay.
+    dbrecord& operator=(const dbrecord& src);
+    ~dbrecord();
+
+    /// Stores a text in slot i and returns 1; 0 when i is negative or not below `size`. Null stores
+    /// as "". With `skipBlanks`, leading ASCII white space is dropped. A text that comes out empty
+    /// leaves a null slot null. Trailing blanks stay. The text may point into the slot itself.
+    int set_field(int i, const char* s, bool skipBlanks = true);
+    /// Stores a number in decimal.
+    int set_field(int i, int v);
+    /// Stores a time in seconds with eight decimals. The invalid time 1e99 is reported on standard
+    /// output and stored like any other number.
+    int set_field(int i, double d);
+    /// Stores "t" or "f".
+    int set_field(int i, bool b);
+    /// Stores any other kind of whole number in decimal, so that none is mistaken for a flag.
+    template <std::integral Number>
+    requires(!std::same_as<Number, int> && !std::same_as<Number, bool>) int set_field(int i,
+                                                                                      Number v) {
+        return set_field(i, std::to_string(v).c_str());
+    }
+
+    /// Makes every slot empty. Counts, flags and tag stay; the record does not count as changed.
+    void clear();
+    /// Makes n slots, all in use; new ones are empty, those beyond n are dropped. Does nothing when
+    /// n is negative, above 65535, or `widths` is null. The widths themselves and the flag are not
+    /// read.
+    void resizeRecord(int n, int* widths, bool);
+    /// Does nothing.
+    void resizeField(int, int);
+    /// Fills the values in use from a list, those beyond its end with "".
+    void setFromStringList(const StringList& list);
+
+    /// The text of slot i, "" for an empty one; null when i is not below `nfields`. Good until the
+    /// slot is next written, wherever the record or the slot moves meanwhile.
+    [[nodiscard]] const char* get_field(unsigned short i) const;
+    /// The string of slot i; one shared empty string when i is not below `nfields`.
+    [[nodiscard]] const LightweightString<char>& getField(unsigned short i) const;
+    /// Copies at most `len` bytes of slot i to `dst`, pads with zero bytes, and always writes a
+    /// zero at dst[len]: `dst` holds len + 1 bytes. Bounded by the slots, not by `nfields`. Returns
+    /// 1; 0, touching nothing, when there is no such slot, `dst` is null or `len` is negative.
+    int in_field(int i, char* dst, int len) const;
+    /// 1 when no value in use holds text, else 0. A blank is text. Linear in the columns.
+    [[nodiscard]] int is_blank() const;
+    /// The number of slots times the sum of all texts' lengths plus one each: deliberately a
+    /// product. Wraps at 32 bits.
+    [[nodiscard]] unsigned get_space_used() const;
+    /// Appends the values in use to a list, which owns its new elements.
+    void asStringList(StringList& out) const;
+
+    /// The table that the row belongs to, null for none; not owned. An attached row takes its types
+    /// from the table.
+    void set_container(oledb* container);
+    [[nodiscard]] oledb* get_container() const noexcept { return container_; }
+
+    /// Takes the file's next line as this row and returns the number of fields found, which becomes
+    /// `nfields`. An empty field leaves what its slot held. 0, with no value changed, at a blank
+    /// line (which is passed over) and at the end of the file. At most 4095 bytes of the line are
+    /// used. A line with more fields than slots, or with a ',' at its end, gives one field more
+    /// than was stored.
+    int read(TextFile& file);
+    /// Appends the values in use to a file as one line, clears the changed flag and returns 1.
+    int write(TextFile& file) const;
+
+    /// Copies values into a configuration block: the column "name" under two keys and the known
+    /// columns under theirs. Returns how many known columns were set, not counting the name; 0,
+    /// setting nothing, for a row without a table or a table without a column "name".
+    int update(configb* cfg) const;
+
+    [[nodiscard]] unsigned short size() const noexcept { return size_; }
+    [[nodiscard]] unsigned short nfields() const noexcept { return nfields_; }
+    [[nodiscard]] int changed() const noexcept { return changed_; }
+    [[nodiscard]] unsigned char tag() const noexcept { return tag_; }
+    [[nodiscard]] const DBFieldTypes::eType* types() const noexcept { return types_; }
+
+private:
+    friend class oledb;
+
+    void storeText(std::size_t slot, const char* text);
+    void noteChanged();
+    /// `write` with a line buffer that a caller reuses over many rows.
+    int writeLine(TextFile& file, std::string& line) const;
+
+    oledb* container_ = nullptr;
+    std::vector<LightweightString<char>> values_;
+    DBFieldTypes::eType* types_ = def_types;
+    unsigned short size_ = 0;
+    unsigned short nfields_ = 0;
+    mutable unsigned char changed_ = 0;
+    unsigned char tag_ = 0;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <sys/types.h>
+
+// The system's file calls as the text files need them: repeated when a signal interrupts them, and
+// going on after a part.
+
+namespace Tarn {
+
+/// An open file of the system, closed at the end.
+class FileDescriptor {
+public:
+    FileDescriptor() noexcept = default;
+    explicit FileDescriptor(int number) noexcept : number_{number} {}
+    FileDescriptor(FileDescriptor&& other) noexcept;
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept;
+    ~FileDescriptor();
+
+    [[nodiscard]] bool isOpen() const noexcept { return number_ >= 0; }
+    [[nodiscard]] int get() const noexcept { return number_; }
+    /// False when nothing is open or the system reports a late failure of writing.
+    bool close() noexcept;
+
+private:
+    int number_ = -1;
+};
+
+/// Opens a file; see `open` of the system for the flags, the mode and the reason of a failure.
+FileDescriptor openFile(const char* path, int flags, mode_t mode = 0) noexcept;
+
+/// Reads everything up to the end of a file, pipe or device; false when it cannot be opened or
+/// read. One allocation for a regular file.
+bool readWhole(const char* path, std::string& contents);
+
+bool writeWhole(int file, std::string_view bytes) noexcept;
+
+/// Waits until the disk holds the file. What cannot be flushed, such as a pipe, counts as flushed.
+bool flushFile(int file) noexcept;
+
+/// The same for a folder. One that may be written but not read counts as flushed.
+bool flushFolder(const char* path) noexcept;
+
+} // namespace Tarn

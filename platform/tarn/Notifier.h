@@ -15,7 +15,7 @@ public:
     /// Calls every listener of the message type, on this thread, before it returns.
     virtual void issueNotification(const NotifyMsg& msg, int type) = 0;
     /// Registers a listener for a message type. The caller holds the guard; dropping it
-    /// deregisters.
+    /// deregisters. An empty listener is not registered and gives null.
     [[nodiscard]] virtual Tarn::Ptr<Tarn::Guard> registerInterest(NotifyCallback listener,
                                                                   int type) = 0;
 };

@@ -6,7 +6,8 @@
 /// A date and time from a decimal count of seconds since 1970, in local time.
 class TARN_API date_def {
 public:
-    /// Parses the count; any other text gives no date. Null reads as "".
+    /// Parses the count, with blanks around it; a fraction is rounded down to its second. Any other
+    /// text gives no date. Null reads as "".
     explicit date_def(const char* text);
     /// The full form, 2024-03-05 14:07:09, whatever the form number; "" for no date.
     [[nodiscard]] LightweightString<char> get_all(int form) const;

@@ -14,10 +14,10 @@ public:
     /// contents stay. 0 bytes frees it and returns null. Throws std::bad_alloc, leaving the old
     /// block as it was.
     void* reallocate(void* block, std::size_t bytes);
-    /// Removes a file; false when that fails.
+    /// Removes a file, not a folder; false when that fails, also when there is none.
     bool removeFile(const LightweightString<wchar_t>& path) noexcept;
-    /// Moves a file. With `replace` 0 an existing file at `to` is left alone and the result is
-    /// false.
+    /// Moves a file within a file system; false when that fails. With `replace` 0 an existing file
+    /// at `to` is left alone and the result is false; otherwise it is replaced in one step.
     bool moveFile(const LightweightString<wchar_t>& from, const LightweightString<wchar_t>& to,
                   int replace) noexcept;
 };

@@ -9,7 +9,7 @@ class TARN_API SystemWatchdog {
 public:
     /// Begins a long operation; brackets nest.
     static void beginLifeSupport();
-    /// Ends it.
+    /// Ends it; without a bracket that is open it does nothing.
     static void endLifeSupport();
     /// Number of brackets open at the moment.
     static int depth() noexcept;

@@ -13,13 +13,14 @@ class OLE_API ALE {
 public:
     /// What an import did, for callers who tell people.
     struct Report {
-        /// Why nothing was taken.
+        /// Why no data was taken.
         enum class Refusal {
             None,          ///< the log was taken
             Unreadable,    ///< no such file, or it cannot be read
             NoDataLine,    ///< no line begins with "Data"
             NoColumnLine,  ///< no line before the data begins with "Column"
-            NoColumnNames, ///< the line behind "Column" is missing
+            NoColumnNames, ///< the line behind "Column" is blank, so no value has a name; the
+                           ///< heading's parameters are set all the same
         };
         enum class SkipReason {
             TooManyFields, ///< more values than there are column names

@@ -1,0 +1,263 @@
+// Import of ALE logs.
+//
+//   log     = heading "Column" names "Data" { row }
+//   heading = { any line }         lines of two pieces, but for the first line, become parameters
+//   names   = the line behind "Column", piece by piece
+//   row     = pieces for the first columns; the others stay empty
+//
+// Pieces stand between tabs. In the heading and the names a tab that follows a tab belongs to the
+// next piece; in rows every tab cuts. A tab at the start or the end of a line makes no piece.
+// "Column" and "Data" are recognised by how a line begins.
+
+#include "ole/interchange/ALE.h"
+
+#include "ole/interchange/AleColumns.h"
+#include "ole/interchange/KeyNumber.h"
+#include "ole/oledb/oledb.h"
+#include "ole/Tarn/Vector.h"
+#include "tarn/StringFunctions.h"
+#include "tarn/TextFile.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Pieces = std::vector<std::string_view>;
+
+constexpr std::string_view filmFormatWord = "FILM_FORMAT";
+constexpr std::string_view columnWord = "Column";
+constexpr std::string_view dataWord = "Data";
+constexpr std::string_view keyNumberColumn = "KN Start";
+constexpr std::string_view unknownKeyNumber = "??";
+constexpr const char* filmLabelField = "film label_std";
+constexpr std::size_t longestFilmFormat = 15;
+
+enum class FilmFormat { None = 0, Film35 = 10, Film16 = 11, Film35ThreePerf = 12 };
+
+/// What the scan of the heading finds.
+struct Layout {
+    FilmFormat filmFormat = FilmFormat::None;
+    int namesLine = -1;
+    int firstDataLine = -1;
+};
+
+std::string_view lineText(const TextFile& file, unsigned i) {
+    const std::string_view line = file.lineView(i);
+    return line.substr(0, line.find('\0'));
+}
+
+Pieces piecesOf(std::string_view line, Tarn::SplitMode mode) {
+    Pieces pieces;
+    Tarn::splitIf(line, Tarn::IsMatchingChar{'\t'}, pieces, mode);
+    return pieces;
+}
+
+/// What stands behind the first tab, or the whole line where there is none.
+std::string_view behindTab(std::string_view line, std::size_t longest) {
+    const std::size_t tab = line.find('\t');
+    return (tab == std::string_view::npos ? line : line.substr(tab + 1)).substr(0, longest);
+}
+
+FilmFormat filmFormatOf(std::string_view text) {
+    std::string compact{text};
+    std::erase(compact, ' ');
+    if (compact == "16mm") {
+        return FilmFormat::Film16;
+    }
+    return compact == "35mm,3perf" || compact == "35mm(3perf)" ? FilmFormat::Film35ThreePerf
+                                                               : FilmFormat::Film35;
+}
+
+const char* filmLabelOf(FilmFormat format) {
+    switch (format) {
+    case FilmFormat::Film16:
+        return "F16";
+    case FilmFormat::Film35ThreePerf:
+        return "F353";
+    default:
+        return "F35";
+    }
+}
+
+Layout scanHeading(const TextFile& file) {
+    Layout layout;
+    for (unsigned i = 0; i < file.numLines(); ++i) {
+        const std::string_view line = lineText(file, i);
+        if (line.starts_with(filmFormatWord)) {
+            layout.filmFormat = filmFormatOf(behindTab(line, longestFilmFormat));
+        }
+        if (layout.namesLine < 0 && line.starts_with(columnWord)) {
+            layout.namesLine = static_cast<int>(i) + 1;
+        }
+        if (line.starts_with(dataWord)) {
+            layout.firstDataLine = static_cast<int>(i) + 1;
+            break;
+        }
+    }
+    return layout;
+}
+
+/// One import: the table, the log, and where the log's columns go.
+class Import {
+public:
+    Import(oledb& table, ALE::Report& report) : table_{table}, report_{report} {}
+
+    bool run(const LightweightString<wchar_t>& path) {
+        const bool readable = file_.load(path, '\n', true);
+        layout_ = scanHeading(file_);
+        report_.refusal = readable ? refusal() : ALE::Report::Refusal::Unreadable;
+        if (report_.refusal != ALE::Report::Refusal::None) {
+            return false;
+        }
+        setParameters();
+        mapColumns();
+        for (auto i = static_cast<unsigned>(layout_.firstDataLine); i < file_.numLines(); ++i) {
+            addRow(i);
+        }
+        return table_.get_num_records() != 0;
+    }
+
+private:
+    [[nodiscard]] ALE::Report::Refusal refusal() const {
+        if (layout_.firstDataLine < 0) {
+            return ALE::Report::Refusal::NoDataLine;
+        }
+        return layout_.namesLine < 0 ? ALE::Report::Refusal::NoColumnLine
+                                     : ALE::Report::Refusal::None;
+    }
+
+    void setParameters() {
+        for (int i = 1; i < layout_.namesLine; ++i) {
+            const Pieces pieces =
+                piecesOf(lineText(file_, static_cast<unsigned>(i)), Tarn::eSplitMerging);
+            if (pieces.size() == 2) {
+                table_.set_param_val(LightweightString<char>{pieces[0]}.c_str(),
+                                     LightweightString<char>{pieces[1]}.c_str());
+            }
+        }
+    }
+
+    void mapColumns() {
+        const std::string_view names = lineText(file_, static_cast<unsigned>(layout_.namesLine));
+        if (isEssentiallyEmpty(names)) {
+            report_.refusal = ALE::Report::Refusal::NoColumnNames;
+        }
+        for (const std::string_view name : piecesOf(names, Tarn::eSplitMerging)) {
+            const LightweightString<char> column{name};
+            const int field = ALE::findODBColumnFor(table_, column);
+            if (name == keyNumberColumn) {
+                keyNumberIndex_ = static_cast<int>(fields_.size());
+            }
+            fields_.append(field);
+            noteColumn(column, field);
+        }
+        keepSharedFieldsOnly();
+    }
+
+    void noteColumn(const LightweightString<char>& column, int field) {
+        report_.columns.push_back(column);
+        if (field < 0) {
+            report_.columnsWithoutField.push_back(column);
+            return;
+        }
+        const LightweightString<char> name{table_.get_fieldname(static_cast<unsigned>(field))};
+        auto& shared = report_.sharedFields;
+        const auto known = std::find_if(shared.begin(), shared.end(),
+                                        [&name](const auto& entry) { return entry.field == name; });
+        if (known == shared.end()) {
+            shared.push_back({name, {column}});
+        } else {
+            known->columns.push_back(column);
+        }
+    }
+
+    void keepSharedFieldsOnly() {
+        std::erase_if(report_.sharedFields,
+                      [](const auto& entry) { return entry.columns.size() < 2; });
+    }
+
+    void addRow(unsigned lineIndex) {
+        const std::string_view line = lineText(file_, lineIndex);
+        if (isEssentiallyEmpty(line)) {
+            return;
+        }
+        pieces_.clear();
+        Tarn::splitIf(line, Tarn::IsMatchingChar{'\t'}, pieces_, Tarn::eSplitPlain);
+        if (pieces_.size() > fields_.size()) {
+            noteSkipped(lineIndex, ALE::Report::SkipReason::TooManyFields);
+            return;
+        }
+        const int added = table_.add_records(1);
+        const auto row = static_cast<unsigned>(added);
+        if (added < 0) { // the values below go nowhere
+            noteSkipped(lineIndex, ALE::Report::SkipReason::TableRefused);
+        } else {
+            ++report_.recordsAdded;
+            report_.rowLines.push_back(lineIndex + 1);
+        }
+        for (unsigned i = 0; i < pieces_.size(); ++i) {
+            storePiece(row, i);
+        }
+        storeFilmLabel(row);
+    }
+
+    void noteSkipped(unsigned lineIndex, ALE::Report::SkipReason reason) {
+        report_.skippedLines.push_back(
+            {lineIndex + 1, reason, static_cast<unsigned>(pieces_.size())});
+    }
+
+    void storePiece(unsigned row, unsigned i) {
+        const int field = fields_[i];
+        if (field < 0) {
+            return;
+        }
+        value_.clear();
+        const char* const held = table_.get_field(row, field);
+        if (held && *held != '\0') {
+            value_.append(held).append(", ");
+        }
+        value_.append(pieces_[i]);
+        value_.resize(value_.find_last_not_of(' ') + 1);
+        if (static_cast<int>(i) == keyNumberIndex_ &&
+            !isEssentiallyEmpty(std::string_view{value_}) && value_ != unknownKeyNumber) {
+            value_ = normalisedKeyNumber(value_);
+        }
+        table_.set_field(row, static_cast<unsigned>(field), value_.c_str());
+    }
+
+    void storeFilmLabel(unsigned row) {
+        if (layout_.filmFormat != FilmFormat::None) {
+            const int field = table_.get_fieldnum(filmLabelField);
+            table_.set_field(row, static_cast<unsigned>(field), filmLabelOf(layout_.filmFormat));
+        }
+    }
+
+    oledb& table_;
+    ALE::Report& report_;
+    TextFile file_;
+    Layout layout_;
+    Vector<int> fields_;
+    int keyNumberIndex_ = -1;
+    Pieces pieces_;
+    std::string value_;
+};
+
+} // namespace
+
+bool ALE::fillODB(oledb& table, const LightweightString<wchar_t>& path) {
+    Report report;
+    return fillODB(table, path, report);
+}
+
+bool ALE::fillODB(oledb& table, const LightweightString<wchar_t>& path, Report& report) {
+    report = {};
+    return Import{table, report}.run(path);
+}
+
+int ALE::findODBColumnFor(oledb& table, LightweightString<char> name) {
+    return table.get_fieldnum(fieldNameForAleColumn(name).c_str());
+}

@@ -1,0 +1,226 @@
+// Order: the process-wide comparison state, the three comparisons, sorting and merging.
+//
+// The comparisons see values as slices; what lies beyond either end of a value reads as the empty
+// text.
+
+#include "ole/oledb/dbsort.h"
+
+#include "misc/time_def.h"
+#include "ole/oledb/oledb.h"
+#include "ole/oledb/StableSort.h"
+#include "tarn/Ascii.h"
+#include "tarn/StringFunctions.h"
+
+#include <cctype>
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+int* cmp_fields = nullptr;
+int comco = 0;
+
+namespace {
+
+int s_off = 0;
+int force_normal_sort = 0;
+int timecode_field = -1;
+
+constexpr std::size_t timeOfTimecode = 8;   // hours, minutes, seconds and their marks
+constexpr std::size_t framesOfTimecode = 9; // behind the mark that tells drop frame
+
+const dbrecord& recordAt(const void* element) {
+    return **static_cast<const dbrecord* const*>(element);
+}
+
+std::string_view valueAt(const dbrecord& record, int col) {
+    return col > 0xFFFF ? std::string_view{}
+                        : record.getField(static_cast<unsigned short>(col)).view();
+}
+
+std::string_view from(std::string_view text, std::size_t start) {
+    return text.substr(std::min(start, text.size()));
+}
+
+std::string_view behindBlanks(std::string_view text) {
+    std::size_t start = 0;
+    while (start < text.size() && Tarn::isSpace(text[start])) {
+        ++start;
+    }
+    return text.substr(start);
+}
+
+std::string_view behindLocaleBlanks(std::string_view text) {
+    std::size_t start = 0;
+    while (start < text.size() && std::isspace(static_cast<unsigned char>(text[start])) != 0) {
+        ++start;
+    }
+    return text.substr(start);
+}
+
+/// Where exactly one of two values is empty, the result that puts it last.
+int emptyLast(bool aEmpty, bool bEmpty) {
+    return (aEmpty ? 1 : 0) - (bEmpty ? 1 : 0);
+}
+
+int compareTimecodes(std::string_view a, std::string_view b) {
+    const int times = compareIgnoringCase(a, b, timeOfTimecode);
+    return times != 0 ? times
+                      : compareIgnoringCase(from(a, framesOfTimecode), from(b, framesOfTimecode));
+}
+
+std::string_view lastCharacters(std::string_view text, long long count) {
+    const auto size = static_cast<long long>(text.size());
+    return size <= count ? text : text.substr(static_cast<std::size_t>(size - count));
+}
+
+int compareAtOffset(std::string_view a, std::string_view b) {
+    if (s_off > 0 || force_normal_sort != 0) {
+        const std::size_t start = s_off > 0 ? static_cast<std::size_t>(s_off) : 0;
+        return compareIgnoringCase(from(a, start), from(b, start));
+    }
+    if (s_off < 0) {
+        const long long count = -static_cast<long long>(s_off);
+        return compareIgnoringCase(lastCharacters(a, count), lastCharacters(b, count));
+    }
+    return strxcmp(a, b);
+}
+
+} // namespace
+
+int dbr_cmp(const void* a, const void* b) {
+    ++comco;
+    const dbrecord& first = recordAt(a);
+    const dbrecord& second = recordAt(b);
+    const bool firstBlank = first.is_blank() != 0;
+    const bool secondBlank = second.is_blank() != 0;
+    if (firstBlank || secondBlank) {
+        return emptyLast(firstBlank, secondBlank);
+    }
+    for (const int* key = cmp_fields; key && *key >= 0; ++key) {
+        const std::string_view x = behindBlanks(valueAt(first, *key));
+        const std::string_view y = behindBlanks(valueAt(second, *key));
+        if (x.empty() || y.empty()) {
+            return emptyLast(x.empty(),
+                             y.empty()); // both empty: further keys are deliberately not asked
+        }
+        const int result = *key == timecode_field ? compareTimecodes(x, y) : compareAtOffset(x, y);
+        if (result != 0) {
+            return result;
+        }
+    }
+    return 0;
+}
+
+int dbr_backcmp(const void* a, const void* b) {
+    ++comco;
+    for (const int* key = cmp_fields; key && *key >= 0; ++key) {
+        const int result =
+            compareIgnoringCase(valueAt(recordAt(a), *key), valueAt(recordAt(b), *key));
+        if (result != 0) {
+            return -result;
+        }
+    }
+    return 0;
+}
+
+int dbr_cmp_simple(const void* a, const void* b) {
+    const dbrecord& first = recordAt(a);
+    const dbrecord& second = recordAt(b);
+    const bool firstBlank = first.is_blank() != 0;
+    const bool secondBlank = second.is_blank() != 0;
+    if (firstBlank || secondBlank) {
+        return -emptyLast(firstBlank, secondBlank);
+    }
+    for (const int* key = cmp_fields; key && *key >= 0; ++key) {
+        const std::string_view x = behindLocaleBlanks(valueAt(first, *key));
+        const std::string_view y = behindLocaleBlanks(valueAt(second, *key));
+        if (x.empty() || y.empty()) {
+            return -emptyLast(x.empty(), y.empty());
+        }
+        const int result = compareIgnoringCase(x, y);
+        if (result != 0) {
+            return result;
+        }
+    }
+    return 0;
+}
+
+void oledb::set_sortfield(int col) {
+    sortFieldPair_ = {col, -1};
+    sortFields_ = sortFieldPair_.data();
+}
+
+void oledb::set_sortfields(int* cols) {
+    sortFields_ = cols ? cols : sortFieldPair_.data();
+}
+
+void oledb::set_sort_offset(int offset) {
+    sortOffset_ = offset;
+}
+
+void oledb::sortPrepare(int, int force) {
+    s_off = sortOffset_;
+    comco = 0;
+    cmp_fields = sortFields_;
+    force_normal_sort = force;
+    timecode_field = -1;
+    for (int* key = sortFields_; *key >= 0; ++key) {
+        if (static_cast<unsigned>(*key) >= numFields_) {
+            *key =
+                -1; // comparisons stop here; the keys behind still decide about the timecode rule
+        } else if (fieldTypes_[static_cast<unsigned>(*key)] == DBFieldTypes::TIMECODE) {
+            timecode_field = *key;
+        }
+    }
+}
+
+void oledb::sort(int dir, int force) {
+    sortPrepare(dir, force);
+    const auto compare = dir >= 0 ? dbr_cmp : dbr_backcmp;
+    stableSort(rows_.data(), rows_.count(),
+               [compare](dbrecord* a, dbrecord* b) { return compare(&a, &b) < 0; });
+    forgetCookies();
+    if (showTagsOnly_ != 0) {
+        index_tags();
+    }
+}
+
+int oledb::merge_all_matching(oledb* other) {
+    struct Column {
+        unsigned here;
+        int there;
+    };
+    std::vector<Column> shared;
+    for (unsigned i = 0; other && i < numFields_; ++i) {
+        const int there = other->get_fieldnum(get_fieldname(i));
+        if (there >= 0) {
+            shared.push_back({i, there});
+        }
+    }
+    if (shared.empty()) {
+        return 0;
+    }
+    const auto converted = [&](const Column& col, const char* text) -> LightweightString<char> {
+        const auto here = get_field_type(col.here);
+        const auto there = other->get_field_type(static_cast<unsigned>(col.there));
+        if (here == DBFieldTypes::TIMECODE && there == DBFieldTypes::TIMECODE_S) {
+            return time_def{text, LABEL_TIMECODE}.get_punctuated_str();
+        }
+        if (here == DBFieldTypes::TIMECODE_S && there == DBFieldTypes::TIMECODE) {
+            return time_def{text, LABEL_TIMECODE}.get_database_str();
+        }
+        return text;
+    };
+    const unsigned rows = other->get_num_records(); // once: the other table may be this one
+    for (unsigned r = 0; r < rows; ++r) {
+        const int added = add_records(1);
+        if (added < 0) {
+            break;
+        }
+        for (const Column& col : shared) {
+            const auto text = converted(col, other->get_field(r, col.there));
+            set_field(static_cast<unsigned>(added), col.here, text.c_str());
+        }
+    }
+    return 1;
+}

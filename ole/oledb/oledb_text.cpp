@@ -1,0 +1,308 @@
+// The table file: one text format for tables, views and container files.
+//
+//   file    = { parameter } header { row }
+//   parameter = quote name ":" value quote          the first is "OLEDB:Rev 1"
+//   header  = quote "OLEDB" quote; widths; types; names     one line each, one field a column
+//   row     = one field a column, see dbrecord_text.cpp
+//
+// Lines end in CR LF. A blank line ends the rows. Parameters and names are written as they stand:
+// their quotes are not doubled.
+
+#include "misc/diagnostics.h"
+#include "ole/oledb/oledb.h"
+#include "tarn/Ascii.h"
+#include "tarn/numbers.h"
+#include "tarn/TextFile.h"
+
+#include <algorithm>
+#include <climits>
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr std::string_view headerWord = "OLEDB";
+constexpr std::string_view revisionPrefix = "OLEDB:";
+constexpr int currentRevision = 1;
+constexpr unsigned short headingFields = 256;
+constexpr unsigned maxFileFields = 255;
+constexpr auto lineEnds = TextFile::eEOLStyleCRLF;
+constexpr int headerError = 3;
+constexpr int typesLine = 3;
+constexpr int namesLine = 4;
+
+bool startsWithIgnoringCase(std::string_view text, std::string_view prefix) {
+    return compareIgnoringCase(text, prefix, prefix.size()) == 0;
+}
+
+std::string_view firstField(const dbrecord& row) {
+    return row.getField(0).view();
+}
+
+std::string_view behindBlanks(std::string_view text) {
+    while (!text.empty() && Tarn::isSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    return text;
+}
+
+void appendQuotedRaw(std::string& line, std::string_view text) {
+    line += line.empty() ? "\"" : ",\"";
+    line += text;
+    line += '"';
+}
+
+bool namesATime(const LightweightString<char>& name) {
+    const LightweightString<char> lowered = name.toLower();
+    return lowered.view().find("start") != std::string_view::npos ||
+           lowered.view().find("end") != std::string_view::npos;
+}
+
+} // namespace
+
+// -- parameters
+// --------------------------------------------------------------------------------------
+
+void oledb::storeLoadedParam(const char* line) {
+    const std::string_view text = behindBlanks(line);
+    const std::size_t colon = text.find(':');
+    if (colon == 0 || colon == std::string_view::npos || params_.size() >= maxParams) {
+        return;
+    }
+    params_.push_back({LightweightString<char>{text.substr(0, colon)},
+                       LightweightString<char>{behindBlanks(text.substr(colon + 1))}});
+}
+
+void oledb::readRevision(const char* line) {
+    const std::string_view text{line};
+    const std::size_t digit = text.find_first_of("0123456789", revisionPrefix.size());
+    revision_ = digit == std::string_view::npos ? 0 : Tarn::parseInt(line + digit);
+    if (revision_ != currentRevision) {
+        console_printf("oledb::read_text:  Warning: oledb is revision %d, current level is %d\n",
+                       revision_, currentRevision);
+    }
+}
+
+int oledb::read_params(TextFile& file, dbrecord* scratch) {
+    if (!scratch) {
+        return 0;
+    }
+    int found = scratch->read(file);
+    if (found == 0 || !startsWithIgnoringCase(firstField(*scratch), revisionPrefix)) {
+        return found;
+    }
+    readRevision(scratch->getField(0).c_str());
+    do {
+        storeLoadedParam(scratch->getField(0).c_str());
+        found = scratch->read(file);
+    } while (found != 0 && compareIgnoringCase(firstField(*scratch), headerWord) != 0);
+    return found;
+}
+
+int oledb::save_params(TextFile& file) const {
+    std::string line;
+    for (const Param& param : params_) {
+        line = '"';
+        line += param.name.view();
+        line += ':';
+        line += param.value.view();
+        line += '"';
+        file.appendLine(line);
+    }
+    return 1;
+}
+
+// -- header
+// ------------------------------------------------------------------------------------------
+
+int oledb::save_column_header(TextFile& file, bool namesOnly) {
+    std::string widths;
+    std::string types;
+    std::string names;
+    for (unsigned i = 0; i < numFields_; ++i) {
+        appendQuotedRaw(names, fieldNames_[i].view());
+        if (!namesOnly) {
+            const unsigned width = std::max(get_fieldsize(i), getMinFieldSize(get_fieldname(i)));
+            appendQuotedRaw(widths, std::to_string(width));
+            appendQuotedRaw(types, oledb_fieldtype_to_string(fieldTypes_[i]).view());
+        }
+    }
+    if (!namesOnly) {
+        file.appendLine(std::string_view{"\"OLEDB\""});
+        file.appendLine(widths);
+        file.appendLine(types);
+    }
+    file.appendLine(names);
+    return 1;
+}
+
+bool oledb::readColumns(TextFile& file, dbrecord& scratch) {
+    numFields_ = static_cast<unsigned>(scratch.read(file));
+    if (numFields_ > maxFileFields) {
+        console_printf("****WARNING:  OLEDB %s has too many fields", toUTF8(filename_).c_str());
+        numFields_ = maxFileFields;
+    }
+    if (static_cast<unsigned>(scratch.read(file)) != numFields_) {
+        fill_error_info(headerError, typesLine, 0, 0);
+        return false;
+    }
+    for (unsigned i = 0; i < numFields_; ++i) {
+        const auto col = static_cast<unsigned short>(i);
+        set_fieldtype(i, oledb_string_to_fieldtype(scratch.getField(col).c_str()));
+    }
+    if (static_cast<unsigned>(scratch.read(file)) != numFields_) {
+        fill_error_info(headerError, namesLine, 0, 0);
+        return false;
+    }
+    return true;
+}
+
+void oledb::takeHeaderlessColumns(const dbrecord& scratch, int fieldsFound) {
+    numFields_ = std::min(static_cast<unsigned>(fieldsFound), maxFileFields);
+    for (unsigned i = 0; i < numFields_; ++i) {
+        const bool isTime = namesATime(scratch.getField(static_cast<unsigned short>(i)));
+        set_fieldtype(i, isTime ? DBFieldTypes::TIMECODE : DBFieldTypes::TEXT);
+        if (isTime) {
+            timecodeColumns_.push_back(i);
+        }
+    }
+}
+
+void oledb::nameColumns(const dbrecord& scratch) {
+    for (unsigned i = 0; i < numFields_; ++i) {
+        set_fieldname(i, scratch.getField(static_cast<unsigned short>(i)).c_str());
+    }
+    timecodeColumns_.push_back(~0U);
+}
+
+/// Takes the columns from the heading; false where there is none that can be used.
+int oledb::readHeader(TextFile& file, dbrecord& scratch, int fieldsFound, bool requireHeader) {
+    if (fieldsFound == 0) {
+        return 0; // an empty file, or one that ends within its parameters
+    }
+    if (compareIgnoringCase(firstField(scratch), headerWord) == 0) {
+        return readColumns(file, scratch) ? 1 : 0;
+    }
+    if (requireHeader) {
+        return 0;
+    }
+    takeHeaderlessColumns(scratch, fieldsFound);
+    return 1;
+}
+
+void oledb::loadFromFile(int maxRows, bool requireHeader) {
+    free();
+    TextFile file;
+    if (!file.load(filename_, '\n', false)) {
+        return;
+    }
+    dbrecord scratch{headingFields};
+    const int found = read_params(file, &scratch);
+    valid_ = readHeader(file, scratch, found, requireHeader);
+    if (valid_ == 0) {
+        return;
+    }
+    nameColumns(scratch);
+    post_init();
+    add_text(file, 0, maxRows);
+    clear_changed();
+}
+
+// -- rows
+// --------------------------------------------------------------------------------------------
+
+bool oledb::rowFillsFields(const dbrecord& row, int appended) {
+    if (row.nfields() == numFields_) {
+        return true;
+    }
+    fill_error_info(1, appended, 0, 0);
+    console_printf("oledb::add_text: returning because not all fields filled\n");
+    Tarn::putLine("oledb::add_text: returning because not all fields filled");
+    return false;
+}
+
+/// Reads the lines that stand in for the one in `row`: the next for a first line that is left out,
+/// the third from here for a second header. False where one of them finds nothing.
+bool oledb::readRow(TextFile& file, dbrecord& row, bool leaveOutFirst) {
+    int further = 0;
+    if (leaveOutFirst) {
+        further = 1;
+    } else if (firstField(row) == headerWord) {
+        further = 3;
+    }
+    for (int i = 0; i < further; ++i) {
+        if (row.read(file) == 0) {
+            console_printf("oledb::add_text: returning because no more lines\n");
+            return false;
+        }
+    }
+    return true;
+}
+
+int oledb::add_text(TextFile& file, int skipFirst, int maxRows) {
+    if (maxRows < 1 || rows_.count() >= rows_.capacity()) {
+        return 0;
+    }
+    int appended = 0;
+    while (appended < maxRows) {
+        auto row = newRow();
+        if (row->read(file) == 0 || !rowFillsFields(*row, appended) ||
+            !readRow(file, *row, skipFirst != 0 && appended == 0)) {
+            break;
+        }
+        rows_.makeRoomFor(1);
+        rows_.append(std::move(row));
+        ++appended;
+    }
+    return appended;
+}
+
+int oledb::load_text(int maxRows) {
+    Tarn::reportFailedCheck("false", "ole/oledb/oledb line 385");
+    TextFile file;
+    file.load(filename_, '\n', false);
+    return add_text(file, 1, maxRows);
+}
+
+// -- saving
+// ------------------------------------------------------------------------------------------
+
+void oledb::writeTagColumn() {
+    const int col = get_fieldnum("Tag");
+    if (col < 0) {
+        return;
+    }
+    for (unsigned i = 0; i < rows_.count(); ++i) {
+        const auto tag = Tarn::decimal(rows_.at(i)->tag_);
+        set_field(i, static_cast<unsigned>(col), tag.c_str());
+    }
+}
+
+bool oledb::saveRows(bool namesOnly, bool taggedOnly) {
+    TextFile file;
+    file.stream(filename_, lineEnds);
+    save_params(file);
+    save_column_header(file, namesOnly);
+    std::string line;
+    for (unsigned i = 0; i < rows_.count(); ++i) {
+        const dbrecord* const row = rows_.at(i);
+        if (!taggedOnly || row->tag_ != 0) {
+            row->writeLine(file, line);
+        }
+    }
+    return file.save(filename_, lineEnds);
+}
+
+int oledb::save_text() {
+    writeTagColumn();
+    return saveRows(false, false) ? static_cast<int>(rows_.count()) : 0;
+}
+
+int oledb::save_text_without_header() {
+    writeTagColumn();
+    return saveRows(true, false) ? static_cast<int>(rows_.count()) : 0;
+}
+
+int oledb::save_tags() {
+    return saveRows(false, true) ? 1 : 0;
+}

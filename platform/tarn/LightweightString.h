@@ -48,8 +48,10 @@ public:
     LightweightString(LightweightString&& other) noexcept
         : block_{std::exchange(other.block_, nullptr)} {}
     LightweightString& operator=(const LightweightString& other) noexcept {
-        LightweightString copy{other};
-        swap(copy);
+        if (this != &other) {
+            LightweightString copy{other};
+            swap(copy);
+        }
         return *this;
     }
     LightweightString& operator=(LightweightString&& other) noexcept {
@@ -124,6 +126,7 @@ public:
         return *this = LightweightString{View{joined}};
     }
     LightweightString& operator+=(const LightweightString& more) { return *this += more.view(); }
+    LightweightString& operator+=(const Char* more) { return *this += more ? View{more} : View{}; }
     LightweightString& operator+=(Char c) { return *this += View{&c, 1}; }
     /// Appends a whole number in decimal.
     void appendDecimal(std::int64_t number) {

@@ -15,6 +15,9 @@ TARN_API bool isEssentiallyEmpty(std::string_view text) noexcept;
 inline bool isEssentiallyEmpty(const LightweightString<char>& text) noexcept {
     return isEssentiallyEmpty(text.view());
 }
+inline bool isEssentiallyEmpty(const char* text) noexcept {
+    return isEssentiallyEmpty(text ? std::string_view{text} : std::string_view{});
+}
 
 /// Orders case-insensitively (ASCII): compares byte by byte, capitals as small letters, bytes
 /// unsigned, the shorter text first. Returns negative, zero or positive.
@@ -42,6 +45,12 @@ struct StrCmpCI {
     }
     bool operator()(std::string_view a, const LightweightString<char>& b) const noexcept {
         return compareIgnoringCase(a, b.view()) < 0;
+    }
+    bool operator()(const LightweightString<char>& a, const char* b) const noexcept {
+        return compareIgnoringCase(a.c_str(), b) < 0;
+    }
+    bool operator()(const char* a, const LightweightString<char>& b) const noexcept {
+        return compareIgnoringCase(a, b.c_str()) < 0;
     }
 };
 

@@ -57,9 +57,13 @@ public:
     /// The current line as a slice; goes on to the next line. Empty, without moving, at the end.
     std::string_view nextLine() noexcept;
 
-    /// Appends a line, bytes as given. Amortised linear in the line's length.
+    /// Appends a line, bytes as given; a null pointer appends an empty line. Amortised linear in
+    /// the line's length.
     void appendLine(std::string_view text);
     void appendLine(const LightweightString<char>& text) { appendLine(text.view()); }
+    void appendLine(const char* text) {
+        appendLine(text ? std::string_view{text} : std::string_view{});
+    }
 
     /// From now on appended lines go to the file system as they come, in large pieces, and are not
     /// kept: for files too long to hold. Lines appended before are written first and leave memory.

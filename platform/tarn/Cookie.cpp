@@ -26,7 +26,7 @@ constexpr std::uint8_t allFlags = 255;
 
 /// The characters of an identifier's text that count.
 struct Significant {
-    char text[uuidDigits + 3];
+    char text[uuidDigits + 3] = {};
     std::size_t size = 0;
 
     [[nodiscard]] std::string_view view() const noexcept { return {text, size}; }

@@ -83,9 +83,7 @@ bool copyPermissions(int file, const struct stat& old) noexcept {
 
 } // namespace
 
-FileReplacement::FileReplacement(const char* path, bool flush) : flush_{flush} {
-    ok_ = open(path);
-}
+FileReplacement::FileReplacement(const char* path, bool flush) : flush_{flush}, ok_{open(path)} {}
 
 FileReplacement::~FileReplacement() {
     if (!sibling_.empty()) {

@@ -39,11 +39,11 @@ private:
     bool putInPlace() noexcept;
 
     bool flush_;
-    bool ok_ = false;
     std::string target_;
     std::string folder_;  // that of the target
     std::string sibling_; // empty when the target is written directly
     FileDescriptor file_;
+    bool ok_; // after the others, which the opening fills
 };
 
 } // namespace Tarn

@@ -94,12 +94,11 @@ void TextFile::clear() noexcept {
 }
 
 bool TextFile::load(const LightweightString<wchar_t>& path, char terminator, bool /*convert*/) {
-    const LightweightString<wchar_t> kept{path}; // `path` may be a part of what is cleared
     output_.reset();
     clear();
-    path_ = kept;
+    path_ = path;
     std::string contents;
-    if (!Tarn::readWhole(pathToBytes(kept).c_str(), contents)) {
+    if (!Tarn::readWhole(pathToBytes(path).c_str(), contents)) {
         return false;
     }
     buffer_ = std::move(contents);

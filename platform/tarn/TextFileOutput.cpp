@@ -5,7 +5,7 @@
 namespace Tarn {
 namespace {
 
-constexpr std::size_t pieceBytes = 256 * 1024;
+constexpr std::size_t pieceBytes = std::size_t{256} * 1024;
 
 } // namespace
 

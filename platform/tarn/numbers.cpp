@@ -8,7 +8,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <locale.h> // newlocale, which <clocale> need not offer
+#include <locale.h> // NOLINT(modernize-deprecated-headers): newlocale is not in <clocale>
 
 #if defined(__APPLE__)
 #include <xlocale.h>

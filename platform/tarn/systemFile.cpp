@@ -14,7 +14,7 @@
 namespace Tarn {
 namespace {
 
-constexpr std::size_t firstPiece = 64 * 1024;
+constexpr std::size_t firstPiece = std::size_t{64} * 1024;
 
 /// Repeats a call that a signal interrupted.
 template <class Call>

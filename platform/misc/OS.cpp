@@ -9,14 +9,18 @@
 #include "tarn/StringFunctions.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <limits>
 #include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
+
+constexpr std::size_t largest = std::numeric_limits<std::ptrdiff_t>::max();
 
 /// Moves by a second name, which the system refuses to make over an existing file.
 bool moveByLink(const char* from, const char* to) noexcept {
@@ -56,7 +60,7 @@ void* OperatingSystem::reallocate(void* block, std::size_t bytes) {
         std::free(block);
         return nullptr;
     }
-    void* const resized = std::realloc(block, bytes);
+    void* const resized = bytes <= largest ? std::realloc(block, bytes) : nullptr;
     if (!resized) {
         throw std::bad_alloc{};
     }

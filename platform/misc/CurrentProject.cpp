@@ -4,11 +4,20 @@
 #include "misc/CurrentProject.h"
 
 #include <atomic>
+#include <bit>
+#include <cstdint>
 
 namespace Tarn {
 namespace {
 
-constinit std::atomic<CurrentProject::FrameRate> frameRate{CurrentProject::FrameRate{}};
+using FrameRate = CurrentProject::FrameRate;
+
+/// The two halves of a rate in one word, so that they are always read together.
+constexpr std::uint64_t packed(FrameRate rate) noexcept {
+    return std::bit_cast<std::uint64_t>(rate);
+}
+
+constinit std::atomic<std::uint64_t> frameRate{packed(FrameRate{})};
 constinit std::atomic<bool> useDropFrame{false};
 constinit std::atomic<unsigned long> reads{0};
 
@@ -16,7 +25,7 @@ constinit std::atomic<unsigned long> reads{0};
 
 CurrentProject::FrameRate CurrentProject::getFrameRate(Revision /*revision*/) {
     ++reads;
-    return frameRate;
+    return std::bit_cast<FrameRate>(frameRate.load());
 }
 
 bool CurrentProject::getUseDropFrameTimecode() {
@@ -25,7 +34,7 @@ bool CurrentProject::getUseDropFrameTimecode() {
 }
 
 void CurrentProject::setFrameRate(FrameRate rate) noexcept {
-    frameRate = rate;
+    frameRate = packed(rate);
 }
 
 void CurrentProject::setUseDropFrameTimecode(bool use) noexcept {

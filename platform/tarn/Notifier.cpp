@@ -82,14 +82,6 @@ private:
     Listeners& list_;
 };
 
-/// Calls the listener of a slot, if it has one still; a listener that drops its own guard dies when
-/// its call is over.
-void call(const Slot& slot, const NotifyMsg& msg) {
-    if (const Slot listener = slot) {
-        (*listener)(msg);
-    }
-}
-
 } // namespace
 
 NotifierBase::~NotifierBase() = default;
@@ -111,7 +103,10 @@ void Notifier::issueNotification(const NotifyMsg& msg, int type) {
     const Round round{list};
     const auto last = std::prev(list.slots.end());
     for (auto slot = list.slots.begin();; ++slot) {
-        call(*slot, msg);
+        // A share of its own, because a listener may drop its own guard while it is being called.
+        if (const Slot listener = *slot) {
+            (*listener)(msg);
+        }
         if (registry->ended || slot == last) {
             return;
         }

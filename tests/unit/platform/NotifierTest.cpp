@@ -1,0 +1,399 @@
+// Who is called, and in which order, while listeners register, leave, issue again, throw or destroy
+// the notifier. Each scene is recorded as text and compared as a whole; random scenes run against a
+// plain model that copies the list of listeners before every round.
+
+#include "tarn/Notifier.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <memory>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr int typeA = 1;
+constexpr int typeB = 2;
+
+using GuardPtr = Tarn::Ptr<Tarn::Guard>;
+
+class NotifierTest : public testing::Test {
+protected:
+    /// Registers a listener that records its name and then reacts.
+    GuardPtr listen(
+        const std::string& name, std::function<void()> react = [] {}, int type = typeA) {
+        return notifier->registerInterest(
+            [this, name, react](const NotifyMsg& msg) {
+                record += name + msg.text() + " ";
+                react();
+                return 0;
+            },
+            type);
+    }
+    void issue(const char* text = "", int type = typeA) {
+        notifier->issueNotification(NotifyMsg{LightweightString<char>{text}}, type);
+    }
+    /// What was recorded since the last call.
+    std::string recorded() { return std::exchange(record, std::string{}); }
+
+    std::unique_ptr<Notifier> notifier = std::make_unique<Notifier>();
+    std::string record;
+};
+
+TEST_F(NotifierTest, CallsInOrderOfRegistrationByType) {
+    const GuardPtr a = listen("a");
+    GuardPtr b = listen("b");
+    const GuardPtr other = listen(
+        "other", [] {}, typeB);
+    const GuardPtr c = listen("c");
+    issue("1");
+    b.reset();
+    b = listen("b");
+    issue("2");
+    issue("3", typeB);
+    issue("4", 77);
+    EXPECT_EQ(recorded(), "a1 b1 c1 a2 c2 b2 other3 ");
+}
+
+TEST_F(NotifierTest, ListenerRegisteredDuringARoundWaitsForTheNext) {
+    std::vector<GuardPtr> late;
+    const GuardPtr a = listen("a", [&] {
+        if (late.empty()) {
+            late.push_back(listen("late"));
+            issue("'"); // a round of its own, begun after the registration
+        }
+    });
+    const GuardPtr b = listen("b");
+    issue();
+    EXPECT_EQ(recorded(), "a a' b' late' b ");
+    issue();
+    EXPECT_EQ(recorded(), "a b late ");
+}
+
+TEST_F(NotifierTest, LastListenerMayRegisterAnotherWithoutEnd) {
+    std::vector<GuardPtr> guards;
+    std::function<void()> again = [&] { guards.push_back(listen("x", again)); };
+    guards.push_back(listen("x", again));
+    issue();
+    EXPECT_EQ(recorded(), "x ");
+    issue();
+    EXPECT_EQ(recorded(), "x x ");
+    EXPECT_EQ(guards.size(), 4U);
+}
+
+TEST_F(NotifierTest, ListenerDeregisteredBeforeItsTurnIsNotCalled) {
+    GuardPtr b;
+    GuardPtr c;
+    const GuardPtr a = listen("a", [&] { b.reset(); });
+    b = listen("b");
+    c = listen("c", [&] { c.reset(); });
+    const GuardPtr d = listen("d");
+    issue();
+    issue();
+    EXPECT_EQ(recorded(), "a c d a d ");
+}
+
+TEST_F(NotifierTest, DeregistrationInANestedRoundHoldsForTheOuterOne) {
+    GuardPtr c;
+    bool nested = false;
+    const GuardPtr a = listen("a", [&] {
+        if (!std::exchange(nested, true)) {
+            issue("'");
+        }
+    });
+    const GuardPtr b = listen("b", [&] { c.reset(); });
+    c = listen("c");
+    issue();
+    EXPECT_EQ(recorded(), "a a' b' b ");
+}
+
+TEST_F(NotifierTest, DroppedGuardLetsGoOfTheListener) {
+    const auto kept = std::make_shared<int>(7);
+    GuardPtr guard;
+    guard = notifier->registerInterest(
+        [&guard, kept](const NotifyMsg&) {
+            guard.reset();
+            EXPECT_EQ(*kept, 7); // what is being executed stays whole
+            EXPECT_EQ(kept.use_count(), 2);
+            return 0;
+        },
+        typeA);
+    EXPECT_EQ(kept.use_count(), 2);
+    issue();
+    EXPECT_EQ(kept.use_count(), 1);
+    guard = notifier->registerInterest([kept](const NotifyMsg&) { return 0; }, typeA);
+    const GuardPtr second = guard;
+    guard.reset();
+    EXPECT_EQ(kept.use_count(), 2) << "two owners of one registration";
+    notifier.reset();
+    EXPECT_EQ(kept.use_count(), 1);
+}
+
+TEST_F(NotifierTest, ListenerMayOwnOtherGuardsAndTheNotifier) {
+    struct Owner {
+        std::unique_ptr<Notifier> notifier = std::make_unique<Notifier>();
+        std::vector<GuardPtr> guards;
+    };
+    auto owner = std::make_shared<Owner>();
+    Notifier& inner = *owner->notifier;
+    owner->guards.push_back(inner.registerInterest([](const NotifyMsg&) { return 0; }, typeA));
+    GuardPtr last = inner.registerInterest([owner](const NotifyMsg&) { return 0; }, typeA);
+    owner.reset();
+    inner.issueNotification(NotifyMsg{}, typeA);
+    last.reset(); // destroys the notifier and the other guard while it deregisters
+    EXPECT_FALSE(last);
+}
+
+TEST_F(NotifierTest, NotifierDestroyedInARoundEndsAllItsRounds) {
+    int depth = 0;
+    const GuardPtr a = listen("a", [&] {
+        if (++depth < 3) {
+            issue("'");
+            record += "back ";
+        }
+    });
+    GuardPtr b = listen("b", [&] { notifier.reset(); });
+    const GuardPtr c = listen("c");
+    issue();
+    EXPECT_EQ(recorded(), "a a' a' b' back back ");
+    b.reset(); // a guard that outlived its notifier
+}
+
+TEST_F(NotifierTest, ExceptionPassesThroughAndLeavesTheListWhole) {
+    bool armed = true;
+    GuardPtr a;
+    a = listen("a", [&] { a.reset(); });
+    const GuardPtr b = listen("b", [&] {
+        if (std::exchange(armed, false)) {
+            throw std::runtime_error{"stop"};
+        }
+    });
+    const GuardPtr c = listen("c");
+    EXPECT_THROW(issue(), std::runtime_error);
+    EXPECT_EQ(recorded(), "a b ");
+    issue();
+    EXPECT_EQ(recorded(), "b c ");
+}
+
+TEST_F(NotifierTest, HasListenersCountsTheLiving) {
+    EXPECT_FALSE(notifier->hasListeners(typeA));
+    GuardPtr b;
+    GuardPtr a = listen("a", [&] {
+        b.reset();
+        EXPECT_TRUE(notifier->hasListeners(typeA));
+        a.reset();
+        EXPECT_FALSE(notifier->hasListeners(typeA));
+        issue("'");
+    });
+    b = listen("b");
+    EXPECT_TRUE(notifier->hasListeners(typeA));
+    EXPECT_FALSE(notifier->hasListeners(typeB));
+    issue();
+    EXPECT_FALSE(notifier->hasListeners(typeA));
+    EXPECT_EQ(recorded(), "a ");
+    EXPECT_FALSE(notifier->registerInterest(NotifyCallback{}, typeA));
+    EXPECT_FALSE(notifier->hasListeners(typeA));
+}
+
+TEST_F(NotifierTest, DeliversTheMessageItself) {
+    struct Reader {
+        int take(const NotifyMsg& msg) {
+            seen = msg.payload<WrappedData<std::vector<int>>>();
+            other = msg.payload<WrappedData<int>>() != nullptr;
+            text = msg.text();
+            return 1;
+        }
+        const WrappedData<std::vector<int>>* seen = nullptr;
+        bool other = true;
+        std::string text = "?";
+    };
+    Reader reader;
+    const GuardPtr guard =
+        notifier->registerInterest(MethodCallback<Reader>{&reader, &Reader::take}, typeA);
+    const Tarn::Ptr<WrappedData<std::vector<int>>> data{
+        new WrappedData<std::vector<int>>{std::vector<int>{3, 4}}};
+    notifier->issueNotification(NotifyMsg{Tarn::Ptr<Tarn::Counted>{data}}, typeA);
+    EXPECT_EQ(reader.seen, data.get());
+    EXPECT_FALSE(reader.other);
+    EXPECT_EQ(reader.text, "");
+}
+
+// --- random scenes -------------------------------------------------------------------------------
+
+/// The rules as plainly as they can be put: a round calls those who are registered when it begins
+/// and still are when their turn comes, until the notifier is gone.
+class ModelNotifier {
+public:
+    struct Entry {
+        NotifyCallback listener;
+        int type;
+        bool registered = true;
+    };
+    using Handle = std::shared_ptr<Entry>;
+
+    ~ModelNotifier() { *alive_ = false; }
+    Handle registerInterest(NotifyCallback listener, int type) {
+        entries_.push_back(std::make_shared<Entry>(Entry{std::move(listener), type}));
+        return entries_.back();
+    }
+    static void drop(Handle& handle) {
+        if (handle) {
+            handle->registered = false;
+        }
+        handle.reset();
+    }
+    [[nodiscard]] bool hasListeners(int type) const {
+        return std::any_of(entries_.begin(), entries_.end(), [type](const Handle& entry) {
+            return entry->registered && entry->type == type;
+        });
+    }
+    void issueNotification(const NotifyMsg& msg, int type) {
+        const std::shared_ptr<bool> alive = alive_;
+        const std::vector<Handle> round = entries_;
+        for (const Handle& entry : round) {
+            if (*alive && entry->registered && entry->type == type) {
+                entry->listener(msg);
+            }
+        }
+    }
+
+private:
+    std::vector<Handle> entries_;
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+};
+
+class RealNotifier : public Notifier {
+public:
+    using Handle = GuardPtr;
+    static void drop(Handle& handle) { handle.reset(); }
+};
+
+struct Thrown {};
+
+/// One random scene. What a listener does depends only on the seed and on how many steps were made
+/// before, so two kinds of notifier see the same scene as long as they behave alike.
+template <class Kind>
+class Scene {
+public:
+    explicit Scene(unsigned seed) : random_{seed} {}
+
+    std::string play() {
+        for (int i = 0; i < 40; ++i) {
+            try {
+                act();
+            } catch (const Thrown&) {
+                note("caught");
+            }
+            if (!notifier_) {
+                notifier_ = std::make_unique<Kind>();
+            }
+        }
+        return record_;
+    }
+
+private:
+    static constexpr int deepest = 5;
+    static constexpr int longest = 400;
+
+    unsigned pick(unsigned n) { return static_cast<unsigned>(random_() % n); }
+    int pickType() { return pick(4) == 0 ? typeB : typeA; }
+    void note(const std::string& text) {
+        record_ += std::string(static_cast<std::size_t>(depth_), ' ') + text + "\n";
+    }
+
+    void act() {
+        if (++steps_ > longest) {
+            return;
+        }
+        const unsigned what = pick(100);
+        if (what < 35) {
+            join();
+        } else if (what < 60) {
+            leave(pick(static_cast<unsigned>(handles_.size()) + 1));
+        } else if (what < 90) {
+            issue();
+        } else if (what < 96) {
+            askForListeners();
+        } else if (what < 98) {
+            end();
+        } else if (depth_ > 0) {
+            throw Thrown{};
+        }
+    }
+    void join() {
+        if (!notifier_) {
+            return;
+        }
+        const std::size_t id = handles_.size();
+        handles_.emplace_back();
+        handles_[id] = notifier_->registerInterest(
+            [this, id](const NotifyMsg&) { return called(id); }, pickType());
+        note("join " + std::to_string(id));
+    }
+    void leave(std::size_t id) {
+        if (id < handles_.size()) {
+            note("leave " + std::to_string(id));
+            Kind::drop(handles_[id]);
+        }
+    }
+    void issue() {
+        if (notifier_ && depth_ < deepest) {
+            const int type = pickType();
+            note("issue " + std::to_string(type));
+            notifier_->issueNotification(NotifyMsg{}, type);
+        }
+    }
+    void askForListeners() {
+        if (notifier_) {
+            note(notifier_->hasListeners(typeA) ? "some" : "none");
+        }
+    }
+    void end() {
+        note("end");
+        notifier_.reset();
+    }
+    int called(std::size_t id) {
+        note("call " + std::to_string(id));
+        const Level level{depth_};
+        for (unsigned n = pick(4); n > 0; --n) {
+            pick(6) == 0 ? leave(id) : act();
+        }
+        return 0;
+    }
+
+    struct Level {
+        explicit Level(int& depth) : depth_{depth} { ++depth_; }
+        Level(const Level&) = delete;
+        Level& operator=(const Level&) = delete;
+        ~Level() { --depth_; }
+        int& depth_;
+    };
+
+    std::mt19937 random_;
+    std::unique_ptr<Kind> notifier_ = std::make_unique<Kind>();
+    std::vector<typename Kind::Handle> handles_;
+    std::string record_;
+    int depth_ = 0;
+    int steps_ = 0;
+};
+
+TEST(NotifierRandom, SameAsThePlainModel) {
+    std::size_t calls = 0;
+    for (unsigned seed = 1; seed <= 3000; ++seed) {
+        const std::string expected = Scene<ModelNotifier>{seed}.play();
+        ASSERT_EQ(Scene<RealNotifier>{seed}.play(), expected) << "seed " << seed;
+        for (std::size_t at = expected.find("call"); at != std::string::npos;
+             at = expected.find("call", at + 1)) {
+            ++calls;
+        }
+    }
+    EXPECT_GT(calls, 100000U) << "the scenes have become too quiet to show anything";
+}
+
+} // namespace

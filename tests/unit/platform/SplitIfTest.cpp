@@ -80,6 +80,9 @@ TEST(SplitIf, AppendsStringsThatOutliveTheText) {
     EXPECT_STREQ(pieces[1].c_str(), "Name");
     EXPECT_FALSE(pieces[3].isNull());
     EXPECT_STREQ(pieces[4].c_str(), "Start");
+    Tarn::splitIf({}, Tarn::IsMatchingChar{'\t'}, pieces, Tarn::eSplitPlain);
+    ASSERT_EQ(pieces.size(), 6U); // an empty text is a piece, also behind others
+    EXPECT_TRUE(pieces[5].empty());
 }
 
 } // namespace

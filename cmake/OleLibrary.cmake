@@ -4,10 +4,6 @@
 # the alias ole::<name>. <define> is set while the library itself is built, for its export macro.
 function(ole_add_library name define)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
-  if(NOT sources)
-    set(sources "${CMAKE_CURRENT_BINARY_DIR}/empty.cpp")
-    file(WRITE "${sources}" "")
-  endif()
   add_library(${name} SHARED ${sources})
   add_library(ole::${name} ALIAS ${name})
   set_target_properties(${name} PROPERTIES

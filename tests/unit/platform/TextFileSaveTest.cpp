@@ -172,8 +172,8 @@ TEST_P(TextFileSave, WhatIsNoPlaceForAFile) {
     EXPECT_EQ(folder_.names(), (Names{"folder", "f"}));
 }
 
-// Without the superuser's rights: a fault here, with them, would put a file in the device's place and
-// harm every program of the machine.
+// Without the superuser's rights: a fault here, with them, would put a file in the device's place
+// and harm every program of the machine.
 TEST_P(TextFileSave, DevicesAreWrittenDirectly) {
     EXPECT_TRUE(inPlainUsersChild([] { return save(L"/dev/null"); }));
     EXPECT_TRUE(inPlainUsersChild([] {

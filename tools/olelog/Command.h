@@ -1,0 +1,26 @@
+#pragma once
+
+// The commands of the tool, each in a source of its own: XCommand.cpp. A new one is declared here
+// and listed in main.cpp.
+
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+/// What the tool's exit code tells.
+enum ExitCode : int {
+    exitFine = 0,
+    exitFindings = 1, ///< done, but with something that a person should look at
+    exitUsage = 2,    ///< the command line makes no sense; nothing was done
+    exitFailure = 3,  ///< something could not be read or written; no file was changed
+};
+
+/// The work of the command that was asked for; run when the whole command line was understood.
+using Task = std::function<int()>;
+
+/// Each adds its command to the command line; where it is asked for, `task` becomes its work.
+void addImportCommand(CLI::App& app, Task& task);
+void addInfoCommand(CLI::App& app, Task& task);
+void addShowCommand(CLI::App& app, Task& task);

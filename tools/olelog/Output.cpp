@@ -1,0 +1,49 @@
+// Standard output. A reader that goes away early, as `head` does, has what it wanted: that is no
+// failure and no message.
+
+#include "Output.h"
+
+#include "Command.h"
+#include "files.h"
+#include "messages.h"
+
+#include <cerrno>
+#include <csignal>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t pieceBytes = 256 * std::size_t{1024};
+
+} // namespace
+
+void ignoreClosedPipes() {
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+Output::Output() {
+    gathered_.reserve(pieceBytes);
+}
+
+void Output::write(std::string_view text) {
+    gathered_ += text;
+    if (gathered_.size() >= pieceBytes) {
+        flush();
+    }
+}
+
+void Output::flush() {
+    if (error_ == 0) {
+        error_ = writeAll(STDOUT_FILENO, gathered_);
+    }
+    gathered_.clear();
+}
+
+int Output::finish(int code) {
+    flush();
+    if (error_ == 0 || error_ == EPIPE) {
+        return code;
+    }
+    say("cannot write to standard output: {}", reasonText(error_));
+    return exitFailure;
+}

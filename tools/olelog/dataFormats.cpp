@@ -1,0 +1,112 @@
+// Tables for other programs. Written piece by piece: no copy of the table is made.
+
+#include "dataFormats.h"
+
+#include "ole/oledb/oledb.h"
+#include "Output.h"
+#include "shownText.h"
+
+#include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+std::string_view valueOf(const oledb& table, unsigned row, unsigned col) {
+    const char* const value = table.get_field(row, static_cast<int>(col));
+    return value ? value : "";
+}
+
+void appendCsvValue(std::string& line, std::string_view value) {
+    if (value.find_first_of("\",\r\n") == std::string_view::npos) {
+        line += value;
+        return;
+    }
+    line += '"';
+    for (const char c : value) {
+        line += c;
+        if (c == '"') {
+            line += c;
+        }
+    }
+    line += '"';
+}
+
+/// Ends a line. One that is empty would be taken for none, so its only value gets quotes.
+void endCsvLine(std::string& line, Output& out) {
+    line += line.empty() ? "\"\"\r\n" : "\r\n";
+    out.write(line);
+    line.clear();
+}
+
+bool isPlainJson(std::string_view text) {
+    for (const char c : text) {
+        if (c < ' ' || c > '~' || c == '"' || c == '\\') {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string jsonText(std::string_view text) {
+    if (isPlainJson(text)) {
+        return '"' + std::string{text} + '"';
+    }
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+/// The field names as keys, all different.
+std::vector<std::string> jsonKeys(oledb& table) {
+    std::set<std::string> taken;
+    std::vector<std::string> keys;
+    for (unsigned col = 0; col < table.get_num_fields(); ++col) {
+        const std::string name = table.get_fieldname(col);
+        std::string key = name;
+        for (int n = 2; !taken.insert(key).second; ++n) {
+            key = name + " " + std::to_string(n);
+        }
+        keys.push_back(jsonText(key));
+    }
+    return keys;
+}
+
+} // namespace
+
+void printCsv(oledb& table, Output& out) {
+    std::string line;
+    for (unsigned col = 0; col < table.get_num_fields(); ++col) {
+        line += col == 0 ? "" : ",";
+        appendCsvValue(line, table.get_fieldname(col));
+    }
+    endCsvLine(line, out);
+    for (unsigned row = 0; row < table.get_num_records() && !out.isClosed(); ++row) {
+        for (unsigned col = 0; col < table.get_num_fields(); ++col) {
+            line += col == 0 ? "" : ",";
+            appendCsvValue(line, valueOf(table, row, col));
+        }
+        endCsvLine(line, out);
+    }
+}
+
+std::size_t printJson(oledb& table, Output& out) {
+    const std::vector<std::string> keys = jsonKeys(table);
+    std::size_t changed = 0;
+    for (unsigned col = 0; col < table.get_num_fields(); ++col) {
+        changed += isUtf8(table.get_fieldname(col)) ? 0 : 1;
+    }
+    std::string line;
+    out.write("[");
+    for (unsigned row = 0; row < table.get_num_records() && !out.isClosed(); ++row) {
+        line = row == 0 ? "\n  {" : ",\n  {";
+        for (unsigned col = 0; col < keys.size(); ++col) {
+            const std::string_view value = valueOf(table, row, col);
+            changed += isUtf8(value) ? 0 : 1;
+            line += (col == 0 ? "" : ", ") + keys[col] + ": " + jsonText(value);
+        }
+        out.write(line + "}");
+    }
+    out.write("\n]\n");
+    return changed;
+}

@@ -1,0 +1,118 @@
+// Files as the tool meets them: by path, as standard input, as pipes.
+
+#include "files.h"
+
+#include "messages.h"
+#include "tarn/StringFunctions.h"
+
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t pieceBytes = 64 * std::size_t{1024};
+
+/// An open file that closes by itself, unless it is standard input.
+class OpenFile {
+public:
+    explicit OpenFile(const std::string& name)
+        : number_{name == "-" ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)} {}
+    ~OpenFile() {
+        if (number_ > STDIN_FILENO) {
+            ::close(number_);
+        }
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    [[nodiscard]] int number() const { return number_; }
+
+private:
+    int number_;
+};
+
+/// 0, or the number of the error that stands in the way of reading.
+int whyUnreadable(int file, struct stat& status) {
+    if (file < 0 || fstat(file, &status) != 0) {
+        return errno;
+    }
+    return S_ISDIR(status.st_mode) ? EISDIR : 0;
+}
+
+} // namespace
+
+std::string reasonText(int error) {
+    return error == 0 ? "unknown reason" : std::generic_category().message(error);
+}
+
+int writeAll(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR) {
+            return errno;
+        }
+        bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+int copyAll(int from, int to) {
+    std::string piece(pieceBytes, '\0');
+    for (;;) {
+        const ssize_t got = ::read(from, piece.data(), piece.size());
+        if (got == 0) {
+            return 0;
+        }
+        if (got < 0 && errno != EINTR) {
+            return errno;
+        }
+        const auto bytes = static_cast<std::size_t>(got < 0 ? 0 : got);
+        if (const int error = writeAll(to, std::string_view{piece}.substr(0, bytes))) {
+            return error;
+        }
+    }
+}
+
+LightweightString<wchar_t> modulePath(const std::string& path) {
+    return pathFromBytes(path);
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+    struct stat statusA {};
+    struct stat statusB {};
+    return stat(a.c_str(), &statusA) == 0 && stat(b.c_str(), &statusB) == 0 &&
+           statusA.st_dev == statusB.st_dev && statusA.st_ino == statusB.st_ino;
+}
+
+std::optional<InputFile> InputFile::open(const std::string& name) {
+    InputFile input;
+    input.name_ = name == "-" ? "standard input" : name;
+    input.path_ = name;
+    const OpenFile file{name};
+    struct stat status {};
+    if (const int error = whyUnreadable(file.number(), status)) {
+        say("{}: cannot be read: {}", input.name_, reasonText(error));
+        return std::nullopt;
+    }
+    const bool readAgain = S_ISREG(status.st_mode) && name != "-";
+    if (!readAgain && !input.takeCopy(file.number())) {
+        return std::nullopt;
+    }
+    return input;
+}
+
+bool InputFile::takeCopy(int file) {
+    auto copy = TemporaryFile::anywhere();
+    const int error = copy ? copyAll(file, copy->file()) : errno;
+    if (error != 0) {
+        say("{}: cannot be read: {}", name_, reasonText(error));
+        return false;
+    }
+    copy_.emplace(std::move(*copy));
+    copy_->close();
+    return true;
+}

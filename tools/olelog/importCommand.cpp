@@ -1,0 +1,464 @@
+// olelog import: logs into a table file.
+//
+// Everything is read and checked before anything is written. The table gets the standard columns;
+// the module sends the logs' columns to them; with --all-columns the others get columns of their
+// own.
+
+#include "checkedSave.h"
+#include "Command.h"
+#include "extraColumns.h"
+#include "files.h"
+#include "LogFile.h"
+#include "messages.h"
+#include "ole/interchange/ALE.h"
+#include "ole/oledb/oledb.h"
+#include "shownText.h"
+#include "standardFields.h"
+#include "tableFile.h"
+#include "tarn/Cookie.h"
+#include "tarn/StringFunctions.h"
+#include "tarn/TextFile.h"
+#include "terminal.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <sys/stat.h>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t mostRunsTold = 50;
+
+struct ImportOptions {
+    std::vector<std::string> logs;
+    std::string output;
+    bool allColumns = false;
+    bool identify = false;
+    bool append = false;
+    bool inPlace = false;
+};
+
+struct Log {
+    InputFile file;
+    LogHead head;
+};
+
+using ByName = std::map<LightweightString<char>, std::string, StrCmpCI>;
+
+bool usageMakesSense(const ImportOptions& options) {
+    if (std::count(options.logs.begin(), options.logs.end(), "-") > 1) {
+        sayLine("standard input can be read only once");
+        return false;
+    }
+    if (options.append && options.output == "-") {
+        sayLine("--append needs a table file, not standard output");
+        return false;
+    }
+    for (const std::string& log : options.logs) {
+        if (!options.inPlace && log != "-" && options.output != "-" &&
+            isSameFile(log, options.output)) {
+            say("{} is the log and would become the table; --in-place allows that", options.output);
+            return false;
+        }
+    }
+    return true;
+}
+
+bool isFilled(const oledb& table, unsigned col) {
+    for (unsigned row = 0; row < table.get_num_records(); ++row) {
+        const char* const value = table.get_field(row, static_cast<int>(col));
+        if (value && *value != '\0') {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::unique_ptr<oledb> makeTable(std::vector<DBFieldDesc> fields) {
+    fields.emplace_back(); // ends the list
+    return std::make_unique<oledb>(fields.data());
+}
+
+/// 3, 5-7: skipped lines in runs, each with its reason.
+std::string describeSkipped(const std::vector<ALE::Report::SkippedLine>& lines,
+                            std::size_t columns) {
+    std::vector<std::string> runs;
+    for (std::size_t i = 0; i < lines.size();) {
+        std::size_t end = i + 1;
+        while (end < lines.size() && lines[end].line == lines[end - 1].line + 1 &&
+               lines[end].reason == lines[i].reason && lines[end].fields == lines[i].fields) {
+            ++end;
+        }
+        const std::string numbers = end - i == 1
+                                        ? std::to_string(lines[i].line)
+                                        : fmt::format("{}-{}", lines[i].line, lines[end - 1].line);
+        const bool refused = lines[i].reason == ALE::Report::SkipReason::TableRefused;
+        runs.push_back(refused ? numbers + " (the table takes no rows)"
+                               : fmt::format("{} ({} values for {})", numbers, lines[i].fields,
+                                             counted(columns, "column name")));
+        i = end;
+    }
+    std::string text;
+    for (std::size_t i = 0; i < std::min(runs.size(), mostRunsTold); ++i) {
+        text += (i == 0 ? "" : ", ") + runs[i];
+    }
+    return runs.size() <= mostRunsTold ? text : text + ", and more";
+}
+
+class ImportJob {
+public:
+    explicit ImportJob(const ImportOptions& options) : options_{options} {}
+
+    int run() {
+        if (!openLogs() || !prepareTable()) {
+            return exitFailure;
+        }
+        bool taken = true;
+        for (const Log& log : logs_) {
+            taken = take(log) && taken;
+        }
+        progress_.clear();
+        if (!taken) {
+            say("{}: not written", options_.output);
+            return exitFailure;
+        }
+        tellRenamed();
+        identify();
+        return save();
+    }
+
+private:
+    bool openLogs() {
+        bool good = true;
+        for (const std::string& name : options_.logs) {
+            auto file = InputFile::open(name);
+            if (!file) {
+                good = false;
+                continue;
+            }
+            LogHead head = readLogHead(*file);
+            if (!head.refusal.empty()) {
+                say("{}: cannot be taken: {}", file->name(), head.refusal);
+                good = false;
+            }
+            logs_.push_back({std::move(*file), std::move(head)});
+        }
+        return good;
+    }
+
+    // -- the table and its columns
+
+    bool prepareTable() {
+        struct stat status {};
+        const bool exists = stat(options_.output.c_str(), &status) == 0 || errno != ENOENT;
+        appending_ = options_.append && exists;
+        if (appending_ && !loadOutput()) {
+            return false;
+        }
+        if (!appending_) {
+            table_ = makeTable(standardFields());
+        }
+        if (options_.identify && !addCookieColumn()) {
+            return false;
+        }
+        if (options_.allColumns) {
+            addColumnsOfLogs();
+        }
+        return true;
+    }
+
+    bool loadOutput() {
+        const auto file = InputFile::open(options_.output);
+        LoadedTable loaded = file ? loadTable(*file) : LoadedTable{};
+        if (!loaded.table || !loaded.whole) {
+            say("{}: nothing was appended", options_.output);
+            return false;
+        }
+        table_ = std::move(loaded.table);
+        return true;
+    }
+
+    bool addCookieColumn() {
+        if (table_->get_fieldnum("Cookie") >= 0) {
+            return true;
+        }
+        if (!hasRoomFor(*table_, "Cookie")) {
+            say("{}: no room for a column \"Cookie\"", options_.output);
+            return false;
+        }
+        return table_->addField({"Cookie", DBFieldTypes::TEXT}) >= 0;
+    }
+
+    [[nodiscard]] bool hasField(oledb& table, const std::string& title) const {
+        return ALE::findODBColumnFor(table, title.c_str()) >= 0;
+    }
+
+    /// The titles of the logs' columns, each once, in order.
+    [[nodiscard]] std::vector<std::string> allTitles() const {
+        std::vector<std::string> titles;
+        std::set<std::string> known;
+        for (const Log& log : logs_) {
+            for (const std::string& title : log.head.columns) {
+                if (known.insert(title).second) {
+                    titles.push_back(title);
+                }
+            }
+        }
+        return titles;
+    }
+
+    void addColumnsOfLogs() {
+        std::vector<std::string> titles = allTitles();
+        const auto withField =
+            std::stable_partition(titles.begin(), titles.end(), [this](const std::string& title) {
+                return !hasField(*table_, title);
+            });
+        const std::vector<std::string> standard{withField, titles.end()};
+        titles.erase(withField, titles.end());
+        oledb trial{*table_, 0};
+        if (!appending_ && !addExtraColumns(trial, titles).noRoom.empty()) {
+            leaveOutEmptyFields(standard);
+        }
+        extra_ = addExtraColumns(*table_, titles);
+        findings_ = findings_ || !extra_.noRoom.empty() || !extra_.renamed.empty();
+    }
+
+    /// Makes room: takes away the standard columns that no log fills.
+    void leaveOutEmptyFields(const std::vector<std::string>& titles) {
+        oledb trial{*table_, 0};
+        for (const Log& log : logs_) {
+            ALE::fillODB(trial, modulePath(log.file.path()));
+        }
+        std::vector<DBFieldDesc> kept;
+        std::vector<std::string> leftOut;
+        for (const DBFieldDesc& field : standardFields()) {
+            const auto col = static_cast<unsigned>(trial.get_fieldnum(field.name.c_str()));
+            const bool needed =
+                field.name == "Name" || (options_.identify && field.name == "Cookie");
+            if (needed || isFilled(trial, col)) {
+                kept.push_back(field);
+            } else {
+                leftOut.emplace_back(field.name.c_str());
+            }
+        }
+        table_ = makeTable(kept);
+        for (const std::string& title : titles) {
+            if (!hasField(*table_, title)) {
+                emptyTitles_.insert(title);
+            }
+        }
+        say("left out to make room, as no log fills them: {}", listed(leftOut));
+    }
+
+    void tellRenamed() const {
+        for (const auto& [title, name] : extra_.renamed) {
+            say("column {} is called {} in the table: a table file cannot hold its name",
+                inQuotes(title), inQuotes(name));
+        }
+    }
+
+    // -- one log
+
+    bool take(const Log& log) {
+        progress_.show("reading", log.file.name().c_str());
+        const unsigned firstRow = table_->get_num_records();
+        const ByName before = parametersBefore(log.head);
+        ALE::Report report;
+        ALE::fillODB(*table_, modulePath(log.file.path()), report);
+        progress_.clear();
+        if (report.refusal != ALE::Report::Refusal::None) {
+            say("{}: cannot be taken any more; it has changed", log.file.name());
+            return false;
+        }
+        fillByHand(log, firstRow, report);
+        origins_.add(firstRow, log.file.name(), report.rowLines);
+        say("{}: {}", log.file.name(), describe(log, report));
+        tellParameters(log, before);
+        findings_ = findings_ || !report.skippedLines.empty() || !log.head.zeroLines.empty();
+        if (report.recordsAdded == 0 && !report.skippedLines.empty()) {
+            say("{}: cannot be taken: every line has more values than line {} has column names",
+                log.file.name(), log.head.namesLine);
+            return false;
+        }
+        return true;
+    }
+
+    /// Fills the columns that the module does not find by the logs' titles, as it fills others.
+    void fillByHand(const Log& log, unsigned firstRow, const ALE::Report& report) {
+        std::vector<std::pair<std::size_t, unsigned>> places;
+        for (std::size_t i = 0; i < log.head.columns.size(); ++i) {
+            const auto found = extra_.filledByHand.find(log.head.columns[i]);
+            if (found != extra_.filledByHand.end()) {
+                places.emplace_back(i, found->second);
+            }
+        }
+        if (places.empty()) {
+            return;
+        }
+        const TextFile text{modulePath(log.file.path()), true};
+        for (unsigned i = 0; i < report.rowLines.size(); ++i) {
+            const auto pieces = piecesOfRow(text.lineView(report.rowLines[i] - 1));
+            for (const auto& [piece, col] : places) {
+                if (piece < pieces.size()) {
+                    join(firstRow + i, col, pieces[piece]);
+                }
+            }
+        }
+    }
+
+    void join(unsigned row, unsigned col, std::string_view piece) {
+        std::string value = table_->get_field(row, static_cast<int>(col));
+        value += value.empty() ? "" : ", ";
+        value += piece;
+        value.erase(value.find_last_not_of(' ') + 1);
+        table_->set_field(row, col, value.c_str());
+    }
+
+    [[nodiscard]] std::vector<std::string> droppedColumns(const ALE::Report& report) const {
+        std::vector<std::string> dropped;
+        for (const LightweightString<char>& column : report.columnsWithoutField) {
+            const std::string title{column.view()};
+            if (!extra_.filledByHand.contains(title) && !emptyTitles_.contains(title)) {
+                dropped.push_back(title);
+            }
+        }
+        return dropped;
+    }
+
+    [[nodiscard]] std::string describe(const Log& log, const ALE::Report& report) const {
+        std::string text = counted(report.recordsAdded, "row");
+        if (!report.skippedLines.empty()) {
+            text += fmt::format("; {} skipped: {}", counted(report.skippedLines.size(), "line"),
+                                describeSkipped(report.skippedLines, report.columns.size()));
+        }
+        const std::vector<std::string> dropped = droppedColumns(report);
+        if (!dropped.empty()) {
+            text += fmt::format("; {} {}: {}", counted(dropped.size(), "column"),
+                                options_.allColumns ? "without room" : "dropped", listed(dropped));
+        }
+        for (const auto& shared : report.sharedFields) {
+            std::vector<std::string> columns;
+            for (const LightweightString<char>& column : shared.columns) {
+                columns.emplace_back(column.view());
+            }
+            text += fmt::format("; joined in {}: {}", shared.field.view(), listed(columns));
+        }
+        for (const std::string& odd : log.head.oddLines) {
+            text += "; " + odd;
+        }
+        if (!log.head.zeroLines.empty()) {
+            text += "; not taken what stands behind a zero byte in line " +
+                    listed(log.head.zeroLines, 10);
+        }
+        return text;
+    }
+
+    // -- heading parameters
+
+    [[nodiscard]] ByName parametersBefore(const LogHead& head) const {
+        ByName before;
+        for (const LogHead::Parameter& parameter : head.parameters) {
+            if (const char* const value = table_->get_param_val(parameter.name.c_str())) {
+                before[parameter.name.c_str()] = value;
+            }
+        }
+        return before;
+    }
+
+    void tellParameters(const Log& log, const ByName& before) {
+        ByName wanted; // of a name that stands twice the last value counts
+        for (const LogHead::Parameter& parameter : log.head.parameters) {
+            wanted[parameter.name.c_str()] = parameter.value;
+        }
+        std::vector<std::string> differing;
+        std::vector<std::string> notTaken;
+        for (const auto& [name, value] : wanted) {
+            const char* const held = table_->get_param_val(name.c_str());
+            const auto old = before.find(name);
+            if (!held || value != held) {
+                notTaken.emplace_back(name.view());
+            } else if (old != before.end() && old->second != value) {
+                differing.push_back(fmt::format("{} is {}, was {}", name.view(), inQuotes(value),
+                                                inQuotes(old->second)));
+            }
+        }
+        if (!differing.empty()) {
+            say("{}: heading differs from what came before, and the last value counts: {}",
+                log.file.name(), fmt::join(differing, ", "));
+        }
+        if (!notTaken.empty()) {
+            say("{}: heading parameters that do not fit into the table's {}: {}", log.file.name(),
+                oledb::maxParams, listed(notTaken));
+            findings_ = true;
+        }
+    }
+
+    // -- the end
+
+    void identify() {
+        const int col = table_->get_fieldnum("Cookie");
+        for (unsigned row = 0; options_.identify && row < table_->get_num_records(); ++row) {
+            const char* const held = table_->get_field(row, col);
+            if (!held || *held == '\0') {
+                table_->set_field(row, Cookie::random(CookieType::Unspecified, 0xff));
+            }
+        }
+    }
+
+    int save() {
+        findings_ = !takeTagsFromColumn(*table_, origins_) || findings_;
+        progress_.show("writing", options_.output.c_str());
+        const int code = saveChecked(*table_, options_.output, origins_);
+        progress_.clear();
+        if (code == exitFailure) {
+            return code;
+        }
+        if (logs_.size() > 1 || appending_) {
+            say("{}: {}, {}", options_.output == "-" ? "standard output" : options_.output,
+                counted(table_->get_num_records(), "row"),
+                counted(table_->get_num_fields(), "column"));
+        }
+        return findings_ ? exitFindings : code;
+    }
+
+    const ImportOptions& options_;
+    Progress progress_;
+    std::vector<Log> logs_;
+    std::unique_ptr<oledb> table_;
+    bool appending_ = false;
+    ExtraColumns extra_;
+    std::set<std::string> emptyTitles_; // their fields were left out for want of values
+    RowOrigins origins_;
+    bool findings_ = false;
+};
+
+int runImport(const ImportOptions& options) {
+    return usageMakesSense(options) ? ImportJob{options}.run() : exitUsage;
+}
+
+} // namespace
+
+void addImportCommand(CLI::App& app, Task& task) {
+    auto options = std::make_shared<ImportOptions>();
+    CLI::App* const command = app.add_subcommand("import", "Make a table file of ALE logs");
+    command->add_option("LOG", options->logs, "ALE logs, or - for standard input")
+        ->required()
+        ->type_name("");
+    command->add_option("-o,--output", options->output, "The table file, or - for standard output")
+        ->required()
+        ->type_name("TABLE");
+    command->add_flag("--all-columns", options->allColumns,
+                      "Add a column for every log column that has no field");
+    command->add_flag("--identify", options->identify,
+                      "Give every row without an identifier a new one, in the column Cookie");
+    command->add_flag("--append", options->append, "Add the rows to the table where it exists");
+    command->add_flag("--in-place", options->inPlace, "Allow the table to replace one of the logs");
+    command->callback([options, &task] { task = [options] { return runImport(*options); }; });
+}

@@ -1,0 +1,80 @@
+// The tool's entry: understands the command line, then runs one command.
+//
+// Data goes to standard output, messages to standard error. Every way out gives one of the exit
+// codes of Command.h.
+
+#include "Command.h"
+#include "messages.h"
+#include "ole/ole.h"
+#include "Output.h"
+#include "TemporaryFile.h"
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <new>
+#include <string>
+
+namespace {
+
+constexpr const char* description =
+    "olelog keeps the logs of a shoot in tables: it imports ALE logs, and shows what stands in a "
+    "table file.";
+constexpr const char* footer =
+    "Exit codes: 0 fine, 1 done with findings, 2 wrong usage, 3 cannot read or write.\n"
+    "A file name of - means standard input or output.";
+
+int printOnOutput(const std::string& text) {
+    Output out;
+    out.write(text);
+    return out.finish(exitFine);
+}
+
+/// Tells what is wrong with the command line, or prints the help that it asked for.
+int endEarly(const CLI::App& app, const CLI::ParseError& reason) {
+    if (dynamic_cast<const CLI::CallForHelp*>(&reason)) {
+        return printOnOutput(app.help());
+    }
+    if (dynamic_cast<const CLI::CallForVersion*>(&reason)) {
+        return printOnOutput(std::string{reason.what()} + "\n");
+    }
+    const auto chosen = app.get_subcommands();
+    const std::string command = chosen.empty() ? "olelog" : "olelog " + chosen.front()->get_name();
+    say("{}", reason.what());
+    say("\"{} --help\" tells how it is used", command);
+    return exitUsage;
+}
+
+int run(int argc, char** argv) {
+    CLI::App app{description, "olelog"};
+    app.footer(footer);
+    app.set_version_flag("--version", std::string{"olelog "} + oledbDllVersionStr(),
+                         "Print the version and exit");
+    app.get_formatter()->column_width(28);
+    app.require_subcommand(1);
+    Task task;
+    addImportCommand(app, task);
+    addInfoCommand(app, task);
+    addShowCommand(app, task);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& reason) {
+        return endEarly(app, reason);
+    }
+    return task();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    removeTemporaryFilesOnSignals();
+    ignoreClosedPipes();
+    redirectModuleMessages();
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        sayLine("out of memory");
+    } catch (const std::exception& unforeseen) {
+        sayLine(unforeseen.what());
+    }
+    return exitFailure;
+}

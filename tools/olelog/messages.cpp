@@ -1,0 +1,55 @@
+// What the tool tells people: lines on standard error that begin with its name.
+
+#include "messages.h"
+
+#include "misc/diagnostics.h"
+#include "shownText.h"
+#include "tarn/trimmed.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+void setModuleSinks(const Tarn::MessageSink& sink) {
+    Tarn::setLogSink(sink);
+    Tarn::setConsoleSink(sink);
+    Tarn::setOutputSink(sink);
+}
+
+bool needsQuotes(std::string_view name) {
+    return name.empty() || name.find_first_of(",\"\t;") != std::string_view::npos ||
+           name.front() == ' ' || name.back() == ' ';
+}
+
+} // namespace
+
+void sayLine(std::string_view text) {
+    const std::string line = "olelog: " + shown(text) + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void redirectModuleMessages() {
+    setModuleSinks([](std::string_view text) { sayLine(Tarn::trimmed(text)); });
+}
+
+ModuleSilence::ModuleSilence() {
+    setModuleSinks([](std::string_view) {});
+}
+
+ModuleSilence::~ModuleSilence() {
+    redirectModuleMessages();
+}
+
+std::string listed(const std::vector<std::string>& names, std::size_t most) {
+    std::string list;
+    for (std::size_t i = 0; i < std::min(names.size(), most); ++i) {
+        list += i == 0 ? "" : ", ";
+        list += needsQuotes(names[i]) ? inQuotes(names[i]) : names[i];
+    }
+    return names.size() <= most ? list : fmt::format("{} and {} more", list, names.size() - most);
+}
+
+std::string counted(std::size_t n, std::string_view one, std::string_view many) {
+    return fmt::format("{} {}", n, n == 1 ? one : many);
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <fmt/format.h>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Prints one line on standard error, the tool's name before it. Anything that could disturb a
+/// terminal is spelled out.
+void sayLine(std::string_view text);
+
+template <class... Values>
+void say(fmt::format_string<Values...> format, Values&&... values) {
+    sayLine(fmt::format(format, std::forward<Values>(values)...));
+}
+
+/// From now on what the module prints goes to standard error, as lines of the tool. It would
+/// otherwise stand between the data on standard output.
+void redirectModuleMessages();
+
+/// While one lives, what the module prints is dropped: for work whose result the caller explains.
+class ModuleSilence {
+public:
+    ModuleSilence();
+    ~ModuleSilence();
+    ModuleSilence(const ModuleSilence&) = delete;
+    ModuleSilence& operator=(const ModuleSilence&) = delete;
+};
+
+/// Names for people, with commas between them: A, B, "C, D". At most `most` of them, then how many
+/// there are beyond.
+std::string listed(const std::vector<std::string>& names, std::size_t most = 1000);
+
+/// "1 row", "2 rows".
+std::string counted(std::size_t n, std::string_view one, std::string_view many);
+inline std::string counted(std::size_t n, std::string_view one) {
+    return counted(n, one, std::string{one} + "s");
+}

@@ -57,8 +57,7 @@ void oledb::computeSpecialLabels() {
     }
 }
 
-// -- finding
-// -----------------------------------------------------------------------------------------
+// -- finding --
 
 int oledb::findFirst(const char* field, const char* value, int n) {
     const char* const wanted = value ? value : "";
@@ -82,8 +81,7 @@ int oledb::findFirst(const char* field, const char* value, int n) {
     return -1;
 }
 
-// -- query
-// -------------------------------------------------------------------------------------------
+// -- query --
 
 int oledb::set_query(dbrecord* query) {
     if (!query) {
@@ -180,8 +178,7 @@ int oledb::labelRangeHolds(const dbrecord& record, std::string_view query, int s
     return query <= end.substr(0, query.size()) ? 1 : 0;
 }
 
-// -- the pattern search
-// --------------------------------------------------------------------------------
+// -- the pattern search --
 
 bool oledb::wordEndsAround(const char* text, const char* first, const char* behind) const {
     if (wholeWordSearch == 0) {
@@ -228,8 +225,7 @@ int oledb::found_in(const char* text, const char* pattern, int tc) const {
     return 0;
 }
 
-// -- runs of equal values
-// ------------------------------------------------------------------------------
+// -- runs of equal values --
 
 int oledb::tag_all_different(int col) {
     set_all_tags(0);

@@ -11,7 +11,6 @@
 #include "tarn/Ascii.h"
 #include "tarn/StringFunctions.h"
 
-#include <cctype>
 #include <cstddef>
 #include <string_view>
 #include <vector>
@@ -51,7 +50,7 @@ std::string_view behindBlanks(std::string_view text) {
 
 std::string_view behindLocaleBlanks(std::string_view text) {
     std::size_t start = 0;
-    while (start < text.size() && std::isspace(static_cast<unsigned char>(text[start])) != 0) {
+    while (start < text.size() && Tarn::isLocaleSpace(text[start])) {
         ++start;
     }
     return text.substr(start);
@@ -185,40 +184,57 @@ void oledb::sort(int dir, int force) {
     }
 }
 
-int oledb::merge_all_matching(oledb* other) {
-    struct Column {
-        unsigned here;
-        int there;
-    };
-    std::vector<Column> shared;
-    for (unsigned i = 0; other && i < numFields_; ++i) {
-        const int there = other->get_fieldnum(get_fieldname(i));
-        if (there >= 0) {
-            shared.push_back({i, there});
+namespace {
+
+/// A column that two tables share.
+struct SharedColumn {
+    unsigned here;
+    int there;
+};
+
+/// A value as this table's column holds it: timecodes go from one stored form to the other.
+LightweightString<char> converted(const char* text, DBFieldTypes::eType from,
+                                  DBFieldTypes::eType to) {
+    if (to == DBFieldTypes::TIMECODE && from == DBFieldTypes::TIMECODE_S) {
+        return time_def{text, LABEL_TIMECODE}.get_punctuated_str();
+    }
+    if (to == DBFieldTypes::TIMECODE_S && from == DBFieldTypes::TIMECODE) {
+        return time_def{text, LABEL_TIMECODE}.get_database_str();
+    }
+    return text;
+}
+
+std::vector<SharedColumn> sharedColumns(oledb& here, const oledb& there) {
+    std::vector<SharedColumn> shared;
+    for (unsigned i = 0; i < here.get_num_fields(); ++i) {
+        const int col = there.get_fieldnum(here.get_fieldname(i));
+        if (col >= 0) {
+            shared.push_back({i, col});
         }
     }
+    return shared;
+}
+
+} // namespace
+
+int oledb::merge_all_matching(oledb* other) {
+    if (!other) {
+        return 0;
+    }
+    const std::vector<SharedColumn> shared = sharedColumns(*this, *other);
     if (shared.empty()) {
         return 0;
     }
-    const auto converted = [&](const Column& col, const char* text) -> LightweightString<char> {
-        const auto here = get_field_type(col.here);
-        const auto there = other->get_field_type(static_cast<unsigned>(col.there));
-        if (here == DBFieldTypes::TIMECODE && there == DBFieldTypes::TIMECODE_S) {
-            return time_def{text, LABEL_TIMECODE}.get_punctuated_str();
-        }
-        if (here == DBFieldTypes::TIMECODE_S && there == DBFieldTypes::TIMECODE) {
-            return time_def{text, LABEL_TIMECODE}.get_database_str();
-        }
-        return text;
-    };
     const unsigned rows = other->get_num_records(); // once: the other table may be this one
     for (unsigned r = 0; r < rows; ++r) {
         const int added = add_records(1);
         if (added < 0) {
             break;
         }
-        for (const Column& col : shared) {
-            const auto text = converted(col, other->get_field(r, col.there));
+        for (const SharedColumn& col : shared) {
+            const auto from = other->get_field_type(static_cast<unsigned>(col.there));
+            const auto text =
+                converted(other->get_field(r, col.there), from, get_field_type(col.here));
             set_field(static_cast<unsigned>(added), col.here, text.c_str());
         }
     }

@@ -31,14 +31,12 @@ LightweightString<char> rowNumbers(unsigned from, unsigned n) {
 
 } // namespace
 
-// -- construction
-// ------------------------------------------------------------------------------------
+// -- construction --
 
 oledb::oledb() = default;
 
-oledb::oledb(const DBFieldDesc* fields) {
+oledb::oledb(const DBFieldDesc* fields) : valid_{1} {
     takeFields(fields, 0);
-    valid_ = 1;
     post_init();
 }
 
@@ -47,24 +45,22 @@ oledb::oledb(LightweightString<wchar_t> file, int maxRows, bool requireHeader)
     loadFromFile(maxRows, requireHeader);
 }
 
-oledb::oledb(const oledb& src, int withRows) : revision_{src.revision_} {
+oledb::oledb(const oledb& src, int withRows) : revision_{src.revision_}, valid_{1} {
     copyFieldsFrom(src);
     for (const Param& param : src.params_) {
-        add_param(param.name.c_str(), param.value.c_str());
+        oledb::add_param(param.name.c_str(), param.value.c_str());
     }
     post_init();
     if (withRows != 0) {
         copyRowsFrom(src);
     }
-    valid_ = 1;
 }
 
-oledb::oledb(const oledb& src, const DBFieldDesc* extra) : revision_{src.revision_} {
+oledb::oledb(const oledb& src, const DBFieldDesc* extra) : revision_{src.revision_}, valid_{1} {
     copyFieldsFrom(src);
     takeFields(extra, src.numFields_);
     post_init();
     copyRowsFrom(src);
-    valid_ = 1;
 }
 
 oledb::~oledb() = default;
@@ -73,8 +69,9 @@ unsigned oledb::takeFields(const DBFieldDesc* fields, unsigned firstCol) {
     numFields_ = firstCol;
     for (; fields && fields->type != DBFieldTypes::NONE && numFields_ < maxFields; ++fields) {
         const unsigned col = numFields_++;
-        set_fieldname(col, fields->name.c_str());
-        set_fieldtype(col, fields->type);
+        oledb::set_fieldname(col,
+                             fields->name.c_str()); // called by constructors, so not overridable
+        oledb::set_fieldtype(col, fields->type);
     }
     return numFields_;
 }
@@ -103,7 +100,7 @@ void oledb::setDefaults() {
     numFields_ = 0;
     tagIndex_.clear();
     params_.clear();
-    set_sortfield(0);
+    oledb::set_sortfield(0);
     sortOffset_ = 0;
     query_ = nullptr;
     caseSensitiveSearch = 0;
@@ -136,13 +133,12 @@ void oledb::init() {
 void oledb::post_init() {
     modifiedTime_ = Tarn::now();
     rows_.startChunk();
-    set_sortfield(0);
-    set_sort_offset(0);
+    oledb::set_sortfield(0);
+    oledb::set_sort_offset(0);
     computeSpecialLabels();
 }
 
-// -- rows
-// --------------------------------------------------------------------------------------------
+// -- rows --
 
 std::unique_ptr<dbrecord> oledb::newRow() {
     auto row =
@@ -290,8 +286,7 @@ unsigned oledb::get_space_used() const {
     return sum;
 }
 
-// -- values
-// ------------------------------------------------------------------------------------------
+// -- values --
 
 const char* oledb::get_field(unsigned row, int col) const {
     const dbrecord* const record = get_record(row);
@@ -367,8 +362,7 @@ void oledb::rowRead() noexcept {
     modifiedTime_ = Tarn::now();
 }
 
-// -- file name and changes
-// ---------------------------------------------------------------------------
+// -- file name and changes --
 
 void oledb::set_filename(LightweightString<wchar_t> path) {
     filename_ = std::move(path);

@@ -66,8 +66,7 @@ public:
     oledb& operator=(const oledb&) = delete;
     ~oledb() override;
 
-    // -- life
-    // ---------------------------------------------------------------------------------------
+    // -- life --
 
     /// Deletes all rows, columns and parameters and sets every default; the file name and the
     /// listeners stay. Views on the table are not told: they must not be used before they are
@@ -80,8 +79,7 @@ public:
     /// columns.
     void post_init();
 
-    // -- the file (one text format; docs/format-table.md)
-    // ----------------------------------------------
+    // -- the file (one text format; docs/format-table.md) --
 
     /// Replaces the table by the contents of its file, at most `maxRows` rows (0: parameters and
     /// columns only). `get_valid` tells whether that succeeded. A row that does not fit ends the
@@ -114,8 +112,7 @@ public:
     /// Saves parameters, header and the tagged rows only; returns 1, or 0 when that failed.
     int save_tags() override;
 
-    // -- rows
-    // -------------------------------------------------------------------------------------------
+    // -- rows --
 
     /// Puts n empty rows before row `at`, behind the last for any `at` beyond it. Returns n; 0 in
     /// show-tags-only mode. Sends nothing. Linear in the rows behind.
@@ -145,8 +142,7 @@ public:
     /// The sum over all rows of their `get_space_used`. Linear in all texts.
     [[nodiscard]] unsigned get_space_used() const;
 
-    // -- values
-    // -----------------------------------------------------------------------------------------
+    // -- values --
 
     [[nodiscard]] const char* get_field(unsigned row, int col) const override;
     [[nodiscard]] const char* get_field(unsigned row, const char* name) const override;
@@ -169,8 +165,7 @@ public:
     int in_field(unsigned row, unsigned col, double& number) override;
     int in_field(unsigned row, unsigned col, bool& flag) override;
 
-    // -- columns
-    // ----------------------------------------------------------------------------------------
+    // -- columns --
 
     [[nodiscard]] unsigned get_num_fields() const override { return numFields_; }
     [[nodiscard]] const char* get_fieldname(unsigned col) override;
@@ -197,8 +192,7 @@ public:
     /// Whether the column counts, and names and their order are another table's, to the letter.
     [[nodiscard]] bool sameColumns(oledb* other) const;
 
-    // -- file name, parameters, errors
-    // ------------------------------------------------------------------
+    // -- file name, parameters, errors --
 
     void set_filename(LightweightString<wchar_t> path) override;
     [[nodiscard]] LightweightString<wchar_t> get_filename() override;
@@ -222,8 +216,7 @@ public:
     /// may have one.
     [[nodiscard]] bool read_error_info(dberror& error) const;
 
-    // -- tags
-    // -------------------------------------------------------------------------------------------
+    // -- tags --
 
     int set_tag(unsigned row, int tag) override;
     int invert_tag(unsigned row) override;
@@ -245,8 +238,7 @@ public:
     [[nodiscard]] unsigned get_new_row(unsigned raw) const;
     [[nodiscard]] unsigned get_raw_row(unsigned row) const;
 
-    // -- cookies, batches, changes
-    // ------------------------------------------------------------------------
+    // -- cookies, batches, changes --
 
     /// The row whose column "cookie" holds a cookie (the first of several), or -1. Builds an index
     /// of all rows at first use and again after rows were inserted, deleted or sorted: linear then,
@@ -277,8 +269,7 @@ public:
     /// Does nothing.
     void timecode_check(const char*) {}
 
-    // -- order
-    // ------------------------------------------------------------------------------------------
+    // -- order --
 
     /// Sorts by one column from now on.
     void set_sortfield(int col) override;
@@ -296,8 +287,7 @@ public:
     /// the table show other rows afterwards. R log R comparisons.
     void sort(int dir, int force) override;
 
-    // -- search
-    // -----------------------------------------------------------------------------------------
+    // -- search --
 
     /// The first row (of all rows) whose column holds a text; with n > 0 only the first n bytes
     /// count. For the column "cookie" the index is asked first. -1 for none. Linear in the rows.

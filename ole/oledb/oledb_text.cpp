@@ -60,8 +60,7 @@ bool namesATime(const LightweightString<char>& name) {
 
 } // namespace
 
-// -- parameters
-// --------------------------------------------------------------------------------------
+// -- parameters --
 
 void oledb::storeLoadedParam(const char* line) {
     const std::string_view text = behindBlanks(line);
@@ -112,8 +111,7 @@ int oledb::save_params(TextFile& file) const {
     return 1;
 }
 
-// -- header
-// ------------------------------------------------------------------------------------------
+// -- header --
 
 int oledb::save_column_header(TextFile& file, bool namesOnly) {
     std::string widths;
@@ -208,8 +206,7 @@ void oledb::loadFromFile(int maxRows, bool requireHeader) {
     clear_changed();
 }
 
-// -- rows
-// --------------------------------------------------------------------------------------------
+// -- rows --
 
 bool oledb::rowFillsFields(const dbrecord& row, int appended) {
     if (row.nfields() == numFields_) {
@@ -264,8 +261,7 @@ int oledb::load_text(int maxRows) {
     return add_text(file, 1, maxRows);
 }
 
-// -- saving
-// ------------------------------------------------------------------------------------------
+// -- saving --
 
 void oledb::writeTagColumn() {
     const int col = get_fieldnum("Tag");

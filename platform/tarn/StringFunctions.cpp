@@ -4,6 +4,8 @@
 
 #include "tarn/Ascii.h"
 
+#include <cctype>
+
 bool isEssentiallyEmpty(std::string_view text) noexcept {
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
@@ -11,4 +13,8 @@ bool isEssentiallyEmpty(std::string_view text) noexcept {
 bool isfindbreak(char c) noexcept {
     const bool ascii = static_cast<unsigned char>(c) < 128;
     return ascii && !Tarn::isLetter(c) && !Tarn::isDigit(c) && c != '_';
+}
+
+bool Tarn::isLocaleSpace(char c) noexcept {
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
 }

@@ -83,6 +83,10 @@ TARN_API LightweightString<char> pathToBytes(const LightweightString<wchar_t>& p
 
 namespace Tarn {
 
+/// Whether a byte is white space in the C locale in force, which may count bytes above 127. The one
+/// test that asks the locale: everything else uses tarn/Ascii.h.
+TARN_API bool isLocaleSpace(char c) noexcept;
+
 /// Wide text of a byte text: bytes below 128 one to one, the others decoded as UTF-8. Null gives
 /// null.
 TARN_API LightweightString<wchar_t> WStringFromAscii(const char* text);

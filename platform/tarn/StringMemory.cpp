@@ -27,7 +27,7 @@ constexpr bool chunked = true;
 constexpr bool chunked = true;
 #endif
 
-constexpr std::size_t chunkAlignment = 64 * 1024;
+constexpr std::size_t chunkAlignment = std::size_t{64} * 1024;
 // Two words less than the alignment: the allocator's own header then fits before the next chunk.
 constexpr std::size_t chunkBytes = chunkAlignment - 2 * sizeof(void*);
 constexpr std::size_t longestInChunk = 4096;

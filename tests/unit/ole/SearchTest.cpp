@@ -1,0 +1,272 @@
+// The search language, queries by example, ranges of start and end, merging.
+
+#include "ole/oledb/oledb.h"
+#include "support/Captured.h"
+#include "support/SearchModel.h"
+#include "support/Tables.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Flags {
+    int caseSensitive;
+    int wholeWord;
+    int timecode;
+};
+
+int found(const char* text, const char* pattern, Flags flags = {}) {
+    oledb table;
+    table.caseSensitiveSearch = flags.caseSensitive;
+    table.wholeWordSearch = flags.wholeWord;
+    return table.found_in(text, pattern, flags.timecode);
+}
+
+TEST(Search, Patterns) {
+    struct Case {
+        const char* text;
+        const char* pattern;
+        Flags flags;
+        int found;
+    };
+    const Flags plain{};
+    const Flags cased{1, 0, 0};
+    const Flags word{0, 1, 0};
+    const Flags tc{0, 0, 1};
+    const Case cases[] = {
+        {"cab", "AB", plain, 1},
+        {"cab", "AB", cased, 0},
+        {"xabcx", "a?c", plain, 1},
+        {"ac", "a?c", plain, 0},
+        {"a", "?", plain, 1},
+        {"ab", "ab?", plain, 0},
+        {"", "", plain, 1},
+        {nullptr, "", plain, 1},
+        {nullptr, "a", plain, 0},
+        {"", "?", plain, 0},
+        {"x", nullptr, plain, 1},
+        {"aaab", "aab", plain, 0},
+        {"abaabc", "abc", plain, 1},
+        {"\xC3\x89", "\xC3\xA9", plain, 0},
+        {"10:00:00;05", "00:05", tc, 0},
+        {"10:00:00:00", "10;00", tc, 1},
+        {"10:00:00:00", "10.00", tc, 1},
+        {"10:00:00:00", "10.00", plain, 0},
+        {"10:00:00:00", "0;00", tc, 0},
+        {"10:00:00:00", "0:00", tc, 1},
+        {"10:00:00:00", ";00", tc, 0},
+        {"1:00", "1;00", tc, 0},
+        {"10:00:00:00", "10?00", tc, 1},
+        {"10:", "10;", tc, 1},
+        {"one two", "two", word, 1},
+        {"one two", "tw", word, 0},
+        {"onetwo", "two", word, 0},
+        {"one_two", "two", word, 0},
+        {"one-two", "one", word, 1},
+        {"\xC3\xA9"
+         "two",
+         "two", word, 0},
+        {"ab", "b", word, 1},
+        {"ab", "bc", word, 0},
+        {"two2", "two", word, 0},
+        {"two", "TWO", word, 1},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(found(c.text, c.pattern, c.flags), c.found)
+            << (c.text ? c.text : "null") << " " << (c.pattern ? c.pattern : "null");
+    }
+}
+
+/// All texts of an alphabet up to a length.
+Texts allTexts(const std::string& alphabet, std::size_t longest) {
+    Texts texts = {""};
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (texts[i].size() < longest) {
+            for (const char c : alphabet) {
+                texts.push_back(texts[i] + c);
+            }
+        }
+    }
+    return texts;
+}
+
+/// What the model finds where its readings agree, else -1.
+int agreed(SearchModel model, const std::string& text, const std::string& pattern) {
+    const int first = model.found(text, pattern);
+    for (int reading = 1; reading < 4; ++reading) {
+        model.goOnBehindFind = (reading & 1) != 0;
+        model.marksChain = (reading & 2) != 0;
+        if (model.found(text, pattern) != first) {
+            return -1;
+        }
+    }
+    return first;
+}
+
+TEST(Search, FindsWhatTheSlowSearchFinds) {
+    const Texts texts = allTexts("abB:", 5);
+    const Texts patterns = allTexts("ab?;", 4);
+    oledb table;
+    long open = 0;
+    long seen = 0;
+    for (int flags = 0; flags < 8; ++flags) {
+        SearchModel model;
+        model.caseSensitive = (flags & 1) != 0;
+        model.wholeWord = (flags & 2) != 0;
+        model.timecode = (flags & 4) != 0;
+        table.caseSensitiveSearch = flags & 1;
+        table.wholeWordSearch = flags & 2;
+        for (const std::string& text : texts) {
+            for (const std::string& pattern : patterns) {
+                const int expected = agreed(model, text, pattern);
+                open += expected < 0 ? 1 : 0;
+                ++seen;
+                if (expected >= 0) {
+                    ASSERT_EQ(table.found_in(text.c_str(), pattern.c_str(), flags & 4), expected)
+                        << "'" << text << "' '" << pattern << "' flags " << flags;
+                }
+            }
+        }
+    }
+    EXPECT_LT(open * 100, seen) << "the model settles nearly everything";
+}
+
+TEST(Search, SafePostIncStopsAtTheEnd) {
+    const char* p = "ab";
+    EXPECT_EQ(*oledb::safePostInc(p), 'a');
+    EXPECT_EQ(*oledb::safePostInc(p), 'b');
+    EXPECT_EQ(*oledb::safePostInc(p), '\0');
+    EXPECT_EQ(*oledb::safePostInc(p), '\0');
+}
+
+/// The rows of a table that match a query, "0 2".
+std::string matches(oledb& table, const Texts& query) {
+    dbrecord record{static_cast<unsigned short>(query.size())};
+    for (std::size_t i = 0; i < query.size(); ++i) {
+        record.set_field(static_cast<int>(i), query[i].c_str(), false);
+    }
+    EXPECT_EQ(table.set_query(&record), static_cast<int>(query.size()));
+    std::string rows;
+    for (unsigned i = 0; i < table.get_num_records(); ++i) {
+        if (table.match_record(static_cast<int>(i)) == 1) {
+            rows += (rows.empty() ? "" : " ") + std::to_string(i);
+        }
+    }
+    table.set_query(nullptr);
+    return rows;
+}
+
+TEST(Query, EveryColumnMustMatch) {
+    const auto table = makeTable(
+        {"a", {"t", DBFieldTypes::TIMECODE}, {"s", DBFieldTypes::TIMECODE_S}},
+        {{"Alpha", "10:00:00:00", "10000005d"}, {"beta", "11:00:00;00", ""}, {"", "", "rubbish"}});
+    EXPECT_EQ(matches(*table, {"", "", ""}), "0 1 2");
+    EXPECT_EQ(matches(*table, {"a", "", ""}), "0 1");
+    EXPECT_EQ(matches(*table, {"a", "10;00", ""}), "0");
+    EXPECT_EQ(matches(*table, {"", "00:00:00", ""}), "0 1");
+    EXPECT_EQ(matches(*table, {"10:00", "", ""}), "");
+    EXPECT_EQ(matches(*table, {"", "", "10.00"}), "0") << "searched in its punctuated form";
+    EXPECT_EQ(matches(*table, {"", "", "1000"}), "");
+    EXPECT_EQ(matches(*table, {"", "", "rub"}), "") << "no timecode, no text";
+    EXPECT_EQ(matches(*table, {"a", "", "", "more than the columns"}), "0 1");
+    EXPECT_EQ(matches(*makeTable({}, {{}, {}}), {}), "0 1");
+}
+
+TEST(Query, DatesAreSearchedAsText) {
+    const auto table = makeTable({{"d", DBFieldTypes::DOS_DATE}},
+                                 {{"1700000000"}, {""}, {"99999999999999999999"}, {"-1e9"}});
+    const auto with = [&](const char* pattern) { return matches(*table, {pattern}); };
+    EXPECT_EQ(with("nov").substr(0, 1), "0") << "14 November 2023";
+    EXPECT_EQ(with("2023"), "0");
+    EXPECT_EQ(with("17000"), "") << "not as the number";
+    EXPECT_NE(with("19").find('1'), std::string::npos) << "an empty value is second 0";
+}
+
+TEST(Query, ShortQueriesAreNotTaken) {
+    const auto table = makeTable({"a", "b"}, {{"x", "y"}, {"z", ""}});
+    EXPECT_EQ(table->match_record(0), -1);
+    dbrecord query{2};
+    query.set_field(0, "x");
+    EXPECT_EQ(table->set_query(&query), 2);
+    dbrecord tooShort{1};
+    EXPECT_EQ(table->set_query(&tooShort), 1);
+    EXPECT_EQ(table->match_record(0), 1);
+    EXPECT_EQ(table->match_record(1), 0);
+    table->addField({"c", DBFieldTypes::TEXT});
+    EXPECT_EQ(table->match_record(0), 1) << "a column without a pattern matches";
+    EXPECT_EQ(table->match_field(table->get_record(0), 0), 1);
+    EXPECT_EQ(table->match_field(table->get_record(1), 0), 0);
+    EXPECT_EQ(table->set_query(nullptr), 0);
+    EXPECT_EQ(table->match_record(0), -1);
+    EXPECT_EQ(table->tag_matching_records(0), 0);
+}
+
+TEST(Query, TaggingMatches) {
+    const auto table = makeTable({"a"}, {{"x1"}, {"y"}, {"X2"}, {"z"}});
+    setTags(*table, "0101");
+    dbrecord query{1};
+    query.set_field(0, "x");
+    table->set_query(&query);
+    EXPECT_EQ(table->tag_matching_records(1), 2);
+    EXPECT_EQ(tagsOf(*table), "1111");
+    EXPECT_EQ(table->tag_matching_records(0), 2);
+    EXPECT_EQ(tagsOf(*table), "1010");
+    table->set_query(nullptr);
+}
+
+TEST(Query, StartAndEndAreSearchedAsARange) {
+    EXPECT_FALSE(makeTable({"start time"})->isSpecialLabelField(0)) << "exact names only";
+    const auto ranges = makeTable({"Start time", "end TIME"}, {{"09:59:00:00", "10:01:00:00"},
+                                                               {"10:00:30:00", "10:02:00:00"},
+                                                               {"10:00", ""},
+                                                               {"", "10:05:00:00"}});
+    EXPECT_TRUE(ranges->isSpecialLabelField(0));
+    EXPECT_FALSE(ranges->isSpecialLabelField(1));
+    EXPECT_EQ(matches(*ranges, {"10:00", ""}), "0 1 2");
+    EXPECT_EQ(matches(*ranges, {"10:00:00:00", ""}), "0");
+    EXPECT_EQ(matches(*ranges, {"10:01:00:00", ""}), "0 1");
+    EXPECT_EQ(matches(*ranges, {"10:01:00:01", ""}), "1");
+    EXPECT_EQ(matches(*ranges, {"09:58", ""}), "");
+    EXPECT_EQ(matches(*ranges, {"10?00", ""}), "") << "no wildcard here";
+    EXPECT_EQ(matches(*ranges, {"1", ""}), "0 1 2");
+
+    const auto ends =
+        makeTable({"START KEYCODE", "end keycode"}, {{"Ka10", "Ka30"}, {"KA10", "KA30"}});
+    EXPECT_TRUE(ends->isSpecialLabelField(1));
+    EXPECT_EQ(matches(*ends, {"", "Ka20"}), "0")
+        << "case counts; the pair is the same from either side";
+    const auto lonely = makeTable({"snd end"}, {{"10"}});
+    EXPECT_EQ(matches(*lonely, {"10"}), "") << "no start column";
+    const auto noEnd = makeTable({"snd start"}, {{"10"}, {"20"}});
+    EXPECT_EQ(matches(*noEnd, {"1"}), "0");
+    const char* const all[] = {"Start time",     "End time",     "snd start",     "snd end",
+                               "start 24P code", "end 24P code", "start keycode", "end keycode",
+                               "start camcode",  "end camcode",  "start inkcode", "end inkcode"};
+    for (const char* const name : all) {
+        EXPECT_TRUE(makeTable({name})->isSpecialLabelField(0)) << name;
+    }
+}
+
+TEST(Merge, SharedColumnsAreFilledAndTimecodesConverted) {
+    using T = DBFieldTypes;
+    const auto target =
+        makeTable({"b", {"p", T::TIMECODE}, {"d", T::TIMECODE_S}, "own"}, {{"old"}});
+    const auto source =
+        makeTable({"x", "B", {"P", T::TIMECODE_S}, {"D", T::TIMECODE}},
+                  {{"1", "b1", "10000005d", "10:00:00:05"}, {"2", "b2", "no", "11:00:00;05"}});
+    EXPECT_EQ(target->merge_all_matching(source.get()), 1);
+    EXPECT_EQ(rowsOf(*target), (Rows{{"old", "", "", ""},
+                                     {"b1", "10:00:00;05", "10000005", ""},
+                                     {"b2", "", "11000005d", ""}}));
+    EXPECT_EQ(target->merge_all_matching(makeTable({"none"}, {{"x"}}).get()), 0);
+    EXPECT_EQ(target->merge_all_matching(makeTable({"b"}).get()), 1);
+    EXPECT_EQ(target->get_num_records(), 3U);
+    EXPECT_EQ(source->merge_all_matching(source.get()), 1);
+    EXPECT_EQ(columnOf(*source, 1), (Texts{"b1", "b2", "b1", "b2"}));
+    source->set_show_tags_only(1);
+    EXPECT_EQ(source->merge_all_matching(target.get()), 1);
+    source->set_show_tags_only(0);
+    EXPECT_EQ(source->get_num_records(), 4U);
+}
+
+} // namespace

@@ -1,0 +1,283 @@
+// The comparisons and the sorting of whole tables.
+
+#include "ole/oledb/dbsort.h"
+#include "ole/oledb/oledb.h"
+#include "support/CompareModel.h"
+#include "support/NoticeRecorder.h"
+#include "support/Random.h"
+#include "support/Tables.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+
+namespace {
+
+using Compare = int (*)(const void*, const void*);
+
+int sign(int n) {
+    return (n > 0) - (n < 0);
+}
+
+/// Compares two rows of a prepared table.
+int compared(Compare compare, const oledb& table, unsigned a, unsigned b) {
+    dbrecord* const first = table.get_record(a);
+    dbrecord* const second = table.get_record(b);
+    return sign(compare(&first, &second));
+}
+
+const Texts values = {"",
+                      " ",
+                      "\t\v",
+                      "a",
+                      "A",
+                      " a",
+                      "b",
+                      "ab",
+                      "aab",
+                      "aB",
+                      "2",
+                      "10",
+                      "02",
+                      "x2",
+                      "x10",
+                      "X2",
+                      "10:00:00:05",
+                      "10:00:00;05",
+                      "10:00:00:06",
+                      "10:00:00",
+                      "10:00:0",
+                      " 10:00:00;05x",
+                      "\xA0"
+                      "a",
+                      "\xE9",
+                      "z"};
+
+struct Setting {
+    const char* what;
+    std::vector<int> keys;
+    DBFieldTypes::eType type;
+    int offset;
+    int force;
+};
+
+const Setting settings[] = {
+    {"natural", {0, 1, -1}, DBFieldTypes::TEXT, 0, 0},
+    {"second key first", {1, 0, -1}, DBFieldTypes::TEXT, 0, 0},
+    {"forced", {0, 1, -1}, DBFieldTypes::TEXT, 0, 1},
+    {"offset", {0, 1, -1}, DBFieldTypes::TEXT, 2, 0},
+    {"offset beyond all", {0, -1}, DBFieldTypes::TEXT, INT_MAX, 0},
+    {"from the end", {0, 1, -1}, DBFieldTypes::TEXT, -2, 0},
+    {"from before the beginning", {0, -1}, DBFieldTypes::TEXT, INT_MIN, 0},
+    {"forced from the end", {0, 1, -1}, DBFieldTypes::TEXT, -2, 1},
+    {"timecodes", {0, 1, -1}, DBFieldTypes::TIMECODE, 0, 0},
+    {"timecodes with offset", {0, 1, -1}, DBFieldTypes::TIMECODE, 3, 1},
+    {"timecodes in database form", {0, 1, -1}, DBFieldTypes::TIMECODE_S, 0, 0},
+    {"no key", {-1}, DBFieldTypes::TEXT, 0, 0},
+};
+
+/// Rows of all values in the first column and two in the second, and one that is blank.
+Rows valueRows() {
+    Rows rows;
+    for (const std::string& value : values) {
+        rows.push_back({value, "1"});
+        rows.push_back({value, "2"});
+    }
+    rows.push_back({"a", ""});
+    rows.push_back({"", ""});
+    return rows;
+}
+
+int expectedSign(Compare compare, const CompareModel& model, const Texts& a, const Texts& b) {
+    if (compare == dbr_cmp) {
+        return sign(model.ascending(a, b));
+    }
+    return sign(compare == dbr_backcmp ? model.descending(a, b) : model.simple(a, b));
+}
+
+class Comparisons : public testing::TestWithParam<Setting> {
+protected:
+    Comparisons() {
+        keys_ = GetParam().keys;
+        table_->set_sortfields(keys_.data());
+        table_->set_sort_offset(GetParam().offset);
+        table_->sortPrepare(1, GetParam().force);
+    }
+    Rows rows_ = valueRows();
+    std::vector<int> keys_;
+    std::unique_ptr<oledb> table_ = makeTable({{"k", GetParam().type}, "second"}, rows_);
+};
+
+TEST_P(Comparisons, FollowTheirRules) {
+    CompareModel model;
+    model.keys = {GetParam().keys.begin(), GetParam().keys.end() - 1};
+    model.offset = GetParam().offset;
+    model.force = GetParam().force != 0;
+    model.timecodeKey = GetParam().type == DBFieldTypes::TIMECODE ? 0 : -1;
+    const auto count = static_cast<unsigned>(rows_.size());
+    for (const Compare compare : {dbr_cmp, dbr_backcmp, dbr_cmp_simple}) {
+        for (unsigned a = 0; a < count; ++a) {
+            for (unsigned b = 0; b < count; ++b) {
+                ASSERT_EQ(compared(compare, *table_, a, b),
+                          expectedSign(compare, model, rows_[a], rows_[b]))
+                    << testing::PrintToString(rows_[a]) << testing::PrintToString(rows_[b]);
+            }
+        }
+    }
+}
+
+TEST_P(Comparisons, AreConsistentOrders) {
+    const auto count = static_cast<unsigned>(rows_.size());
+    for (const Compare compare : {dbr_cmp, dbr_backcmp, dbr_cmp_simple}) {
+        std::vector<std::vector<int>> order(count, std::vector<int>(count));
+        for (unsigned a = 0; a < count; ++a) {
+            for (unsigned b = 0; b < count; ++b) {
+                order[a][b] = compared(compare, *table_, a, b);
+            }
+        }
+        for (unsigned a = 0; a < count; ++a) {
+            for (unsigned b = 0; b < count; ++b) {
+                ASSERT_EQ(order[a][b], -order[b][a]);
+                for (unsigned c = 0; c < count; ++c) {
+                    if (order[a][b] <= 0 && order[b][c] <= 0) {
+                        const int most = order[a][b] + order[b][c] < 0 ? -1 : 0;
+                        ASSERT_EQ(order[a][c], most) << rows_[a][0] << rows_[b][0] << rows_[c][0];
+                    }
+                }
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings, Comparisons, testing::ValuesIn(settings),
+                         [](const auto& setting) {
+                             std::string name = setting.param.what;
+                             std::replace(name.begin(), name.end(), ' ', '_');
+                             return name;
+                         });
+
+Texts sorted(const Texts& texts, int dir, int offset = 0, int force = 0,
+             DBFieldTypes::eType type = DBFieldTypes::TEXT) {
+    Rows rows;
+    for (const std::string& text : texts) {
+        rows.push_back({text, "x"});
+    }
+    const auto table = makeTable({{"k", type}, "x"}, rows);
+    table->set_sort_offset(offset);
+    table->sort(dir, force);
+    return columnOf(*table, 0);
+}
+
+TEST(Sort, WholeTables) {
+    EXPECT_EQ(sorted({"", "b", " a", "10", "9"}, 1), (Texts{"9", "10", " a", "b", ""}));
+    EXPECT_EQ(sorted({"", "b", " a", "10", "9"}, 0), (Texts{"9", "10", " a", "b", ""}));
+    EXPECT_EQ(sorted({"", "b", " a", "10", "9"}, 1, 0, 1), (Texts{"10", "9", " a", "b", ""}));
+    EXPECT_EQ(sorted({"", "b", " a", "10", "9"}, -1), (Texts{"b", "9", "10", " a", ""}));
+    EXPECT_EQ(sorted({"aaCD", "xxAB"}, 1, 2), (Texts{"xxAB", "aaCD"}));
+    EXPECT_EQ(sorted({"ABby", "CDaz"}, 1, -2), (Texts{"CDaz", "ABby"}));
+    EXPECT_EQ(sorted({"10:00:00:06", "10:00:00;05"}, 1, 0, 0, DBFieldTypes::TIMECODE),
+              (Texts{"10:00:00;05", "10:00:00:06"}));
+    EXPECT_EQ(sorted({}, 1), Texts{});
+    EXPECT_EQ(sorted({"b"}, -1), (Texts{"b"}));
+}
+
+/// Large tables in both directions are permutations in order of the comparison.
+TEST(Sort, RandomTablesComeOutInOrder) {
+    forSeeds(40, [](Random& random) {
+        Rows rows(random.below(300));
+        for (Texts& row : rows) {
+            row = {random.text("abA1 ", 2), random.text("12", 1),
+                   std::to_string(&row - rows.data())};
+        }
+        const auto table = makeTable({"k", "l", "id"}, rows);
+        int keys[] = {0, 1, -1};
+        table->set_sortfields(keys);
+        const int dir = random.oneIn(2) ? 1 : -1;
+        table->sort(dir, random.oneIn(2) ? 1 : 0);
+        Rows after = rowsOf(*table);
+        for (unsigned i = 1; i < after.size(); ++i) {
+            ASSERT_LE(compared(dir < 0 ? dbr_backcmp : dbr_cmp, *table, i - 1, i), 0);
+        }
+        std::sort(after.begin(), after.end());
+        std::sort(rows.begin(), rows.end());
+        ASSERT_EQ(after, rows);
+    });
+}
+
+TEST(Sort, KeysOutOfRangeCutTheListForGood) {
+    const auto table = makeTable({"a", {"t", DBFieldTypes::TIMECODE}},
+                                 {{"b", "10:00:00:01"}, {"a", "10:00:00;01"}, {"", ""}});
+    int keys[] = {99, 0, -1};
+    table->set_sortfields(keys);
+    table->sortPrepare(1, 0);
+    EXPECT_EQ(std::vector<int>(keys, keys + 3), (std::vector<int>{-1, 0, -1}));
+    EXPECT_EQ(compared(dbr_cmp, *table, 0, 1), 0);
+    EXPECT_EQ(compared(dbr_cmp, *table, 2, 1), 1) << "blank rows still come last";
+    EXPECT_EQ(cmp_fields, keys);
+    int behind[] = {0, 2, 1, -1};
+    table->set_sortfields(behind);
+    table->sortPrepare(1, 0);
+    EXPECT_EQ(std::vector<int>(behind, behind + 4), (std::vector<int>{0, -1, 1, -1}));
+    table->set_sortfield(7);
+    table->sortPrepare(1, 0);
+    EXPECT_EQ(cmp_fields[0], -1);
+    EXPECT_EQ(behind[0], 0) << "the table's own list again";
+    table->set_sortfield(-5);
+    table->sortPrepare(1, 0);
+    EXPECT_LT(cmp_fields[0], 0);
+}
+
+TEST(Sort, OnlyTheLastTimecodeKeyIgnoresTheMark) {
+    const auto table = makeTable({{"s", DBFieldTypes::TIMECODE}, {"e", DBFieldTypes::TIMECODE}},
+                                 {{"10:00:00:01", "10:00:00:01"}, {"10:00:00;01", "10:00:00;01"}});
+    int keys[] = {1, 0, -1};
+    table->set_sortfields(keys);
+    table->sortPrepare(1, 0);
+    EXPECT_NE(compared(dbr_cmp, *table, 0, 1), 0) << "column e is compared as text";
+    keys[1] = -1;
+    table->sortPrepare(1, 0);
+    EXPECT_EQ(compared(dbr_cmp, *table, 0, 1), 0);
+}
+
+TEST(Sort, TheTablePreparedLastSetsTheKeysForAll) {
+    const auto first = makeTable({"a", "b"}, {{"1", "z"}, {"2", "y"}});
+    const auto second = makeTable({"a", "b"});
+    first->set_sortfield(0);
+    second->set_sortfield(1);
+    first->sortPrepare(1, 0);
+    EXPECT_EQ(compared(dbr_cmp, *first, 0, 1), -1);
+    EXPECT_EQ(comco, 1);
+    second->sortPrepare(1, 0);
+    EXPECT_EQ(comco, 0);
+    EXPECT_EQ(compared(dbr_cmp, *first, 0, 1), 1);
+    EXPECT_EQ(compared(dbr_backcmp, *first, 0, 1), -1);
+    EXPECT_EQ(comco, 2);
+    EXPECT_EQ(compared(dbr_cmp_simple, *first, 0, 1), 1);
+    EXPECT_EQ(comco, 2) << "the simple comparison is not counted";
+}
+
+TEST(Sort, ValuesThatAreMissingCountAsEmpty) {
+    const auto table = makeTable({"a", "b"}, {{"x", "1"}, {"x", "2"}, {"x", "3"}});
+    dbrecord single{1};
+    single.set_field(0, "x");
+    table->copy_record(1, &single);
+    table->set_sortfield(1);
+    table->sortPrepare(1, 0);
+    EXPECT_EQ(compared(dbr_cmp, *table, 1, 0), 1);
+    EXPECT_EQ(compared(dbr_backcmp, *table, 1, 0), 1);
+    EXPECT_EQ(compared(dbr_cmp_simple, *table, 1, 0), -1);
+    table->sort(-1, 0);
+    EXPECT_STREQ(table->get_field(0, 1), "3");
+}
+
+TEST(Sort, IsSilentAndCountsComparisons) {
+    const auto table = numberedTable(50);
+    NoticeRecorder notices{*table};
+    table->clear_changed();
+    table->sort(-1, 0);
+    EXPECT_EQ(notices.taken(), "");
+    EXPECT_GE(comco, 49);
+}
+
+} // namespace

@@ -19,10 +19,6 @@ constexpr std::size_t gap = 2;
 constexpr std::size_t leastText = 12; // a timecode or a short name is whole
 constexpr std::size_t leastTitle = 8;
 
-std::size_t measured(std::string_view text) {
-    return displayWidth(shown(text));
-}
-
 } // namespace
 
 AlignedTable::AlignedTable(const std::vector<TableColumn>& columns, std::size_t rows, Cell cell)
@@ -30,10 +26,10 @@ AlignedTable::AlignedTable(const std::vector<TableColumn>& columns, std::size_t 
     for (std::size_t col = 0; col < columns.size(); ++col) {
         std::size_t widest = 0;
         for (std::size_t row = 0; row < rows; ++row) {
-            widest = std::max(widest, measured(cell_(row, col)));
+            widest = std::max(widest, widthWhenShown(cell_(row, col)));
         }
         const TableColumn& column = columns[col];
-        const std::size_t whole = std::max(widest, measured(column.title));
+        const std::size_t whole = std::max(widest, widthWhenShown(column.title));
         const std::size_t values = column.isText ? std::min(widest, leastText) : widest;
         const std::size_t least = std::min(whole, std::max(values, leastTitle));
         columns_.push_back({shown(column.title), column.toRight, whole, least, whole});

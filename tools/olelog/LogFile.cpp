@@ -150,6 +150,10 @@ private:
             if (line(number).size() != text_.lineView(number - 1).size()) {
                 head_.zeroLines.push_back(std::to_string(number));
             }
+            const bool isRow = number > dataLine_ && !isEssentiallyEmpty(line(number));
+            if (isRow && line(number).front() == '\t') {
+                head_.shiftedLines.push_back(std::to_string(number));
+            }
         }
     }
 

@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
@@ -16,6 +17,14 @@ namespace {
 constexpr std::size_t pieceBytes = 256 * std::size_t{1024};
 
 } // namespace
+
+void occupyStandardFiles() {
+    for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(file, F_GETFD) < 0) { // the lowest free number is this one
+            static_cast<void>(open("/dev/null", file == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+        }
+    }
+}
 
 void ignoreClosedPipes() {
     std::signal(SIGPIPE, SIG_IGN);

@@ -3,6 +3,10 @@
 #include <string>
 #include <string_view>
 
+/// Makes sure that standard input, output and error are there: one that the caller closed is opened
+/// so that using it fails. Otherwise the next file that is opened would take its number.
+void occupyStandardFiles();
+
 /// Writing to a closed pipe no longer ends the process: `Output` notices and ends quietly.
 void ignoreClosedPipes();
 

@@ -28,7 +28,7 @@ namespace {
 constexpr std::size_t longestLine = 4095;
 constexpr std::size_t mostTold = 20;
 constexpr int mostLinks = 40;
-constexpr int longestTag = 255;
+constexpr int greatestTag = 255;
 
 std::string_view valueOf(const oledb& table, unsigned row, unsigned col) {
     const char* const value = table.get_field(row, static_cast<int>(col));
@@ -121,8 +121,23 @@ std::string whyNotTheSame(oledb& saved, oledb& loaded) {
 
 // -- what changes
 
+/// What the format does to a value; a line feed would otherwise be printed like a backslash and n.
+std::string_view whatHappens(std::string_view before, std::string_view after) {
+    const auto lineFeeds = [](std::string_view text) {
+        return std::count(text.begin(), text.end(), '\n');
+    };
+    if (lineFeeds(after) > lineFeeds(before)) {
+        return " (backslash and n become a line feed)";
+    }
+    if (before.find('\r') != std::string_view::npos) {
+        return " (carriage returns are dropped)";
+    }
+    return Tarn::trimmed(before) == after ? " (blanks at the ends are dropped)" : "";
+}
+
 std::string change(std::string_view before, std::string_view after) {
-    return fmt::format("{} comes back from a table file as {}", inQuotes(before), inQuotes(after));
+    return fmt::format("{} comes back from a table file as {}{}", inQuotes(before), inQuotes(after),
+                       whatHappens(before, after));
 }
 
 void tellChangedParameters(const oledb& saved, const oledb& loaded, Findings& findings) {
@@ -162,7 +177,7 @@ bool tellChanges(oledb& saved, oledb& loaded, const RowOrigins& origins) {
 
 // -- where it goes
 
-/// The place behind symbolic links, also where nothing is there yet.
+/// The place behind symbolic links, also where nothing is there yet; links in a circle stay.
 std::string withoutLinks(std::string path) {
     for (int i = 0; i < mostLinks; ++i) {
         std::string text(PATH_MAX, '\0');
@@ -198,6 +213,7 @@ public:
     explicit Target(const std::string& name)
         : name_{name}, path_{name == "-" ? name : withoutLinks(name)} {
         exists_ = name != "-" && stat(path_.c_str(), &status_) == 0;
+        error_ = exists_ || name == "-" || errno == ENOENT ? 0 : errno;
     }
 
     [[nodiscard]] const std::string& path() const { return path_; }
@@ -211,7 +227,7 @@ public:
     /// 0, or the number of the error that stands in the way of replacing it.
     [[nodiscard]] int whyNotReplaceable() const {
         if (!exists_ || isStream()) {
-            return 0;
+            return error_;
         }
         if (S_ISDIR(status_.st_mode)) {
             return EISDIR;
@@ -230,6 +246,7 @@ private:
     std::string path_;
     struct stat status_ {};
     bool exists_ = false;
+    int error_ = 0; // why it cannot even be looked at
 };
 
 int cannotWrite(const std::string& name, int error) {
@@ -295,16 +312,18 @@ int putInPlace(TemporaryFile& written, const Target& target) {
 
 bool takeTagsFromColumn(oledb& table, const RowOrigins& origins) {
     const int found = table.get_fieldnum("Tag");
+    const auto col = static_cast<unsigned>(found);
     Findings findings;
     for (unsigned row = 0; found >= 0 && row < table.get_num_records(); ++row) {
-        const std::string_view text = valueOf(table, row, static_cast<unsigned>(found));
-        const int tag = std::clamp(Tarn::parseInt(std::string{text}.c_str()), 0, longestTag);
-        table.set_tag(row, tag);
+        const std::string text{valueOf(table, row, col)};
+        const int tag = std::clamp(Tarn::parseInt(text.c_str()), 0, greatestTag);
         if (!text.empty() && text != std::to_string(tag)) {
             findings.tell(fmt::format("{}: Tag: {} is no tag, and the column \"Tag\" of a table "
                                       "file keeps nothing else",
                                       origins.of(row), inQuotes(text)));
         }
+        table.set_tag(row, tag);
+        table.set_field(row, col, tag); // as saving will; it counts for the length of the row
     }
     findings.close();
     return !findings.any();

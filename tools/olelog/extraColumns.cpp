@@ -67,6 +67,9 @@ bool hasRoomFor(oledb& table, const std::string& name) {
 ExtraColumns addExtraColumns(oledb& table, const std::vector<std::string>& titles) {
     ExtraColumns extra;
     for (const std::string& title : titles) {
+        if (ALE::findODBColumnFor(table, title.c_str()) >= 0) {
+            continue; // an earlier title differs only in case
+        }
         const std::string name = freeName(table, lastingName(title));
         if (!hasRoomFor(table, name)) {
             extra.noRoom.push_back(title);

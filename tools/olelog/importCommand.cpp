@@ -18,7 +18,6 @@
 #include "tarn/Cookie.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
-#include "terminal.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -35,6 +34,7 @@
 namespace {
 
 constexpr std::size_t mostRunsTold = 50;
+constexpr std::size_t mostLinesTold = 20;
 
 struct ImportOptions {
     std::vector<std::string> logs;
@@ -124,7 +124,6 @@ public:
         for (const Log& log : logs_) {
             taken = take(log) && taken;
         }
-        progress_.clear();
         if (!taken) {
             say("{}: not written", options_.output);
             return exitFailure;
@@ -267,12 +266,12 @@ private:
     // -- one log
 
     bool take(const Log& log) {
-        progress_.show("reading", log.file.name().c_str());
+        showProgress(fmt::format("reading {} ...", log.file.name()));
         const unsigned firstRow = table_->get_num_records();
         const ByName before = parametersBefore(log.head);
         ALE::Report report;
         ALE::fillODB(*table_, modulePath(log.file.path()), report);
-        progress_.clear();
+        clearProgress();
         if (report.refusal != ALE::Report::Refusal::None) {
             say("{}: cannot be taken any more; it has changed", log.file.name());
             return false;
@@ -281,7 +280,8 @@ private:
         origins_.add(firstRow, log.file.name(), report.rowLines);
         say("{}: {}", log.file.name(), describe(log, report));
         tellParameters(log, before);
-        findings_ = findings_ || !report.skippedLines.empty() || !log.head.zeroLines.empty();
+        findings_ = findings_ || !report.skippedLines.empty() || !log.head.shiftedLines.empty() ||
+                    !log.head.zeroLines.empty();
         if (report.recordsAdded == 0 && !report.skippedLines.empty()) {
             say("{}: cannot be taken: every line has more values than line {} has column names",
                 log.file.name(), log.head.namesLine);
@@ -353,9 +353,13 @@ private:
         for (const std::string& odd : log.head.oddLines) {
             text += "; " + odd;
         }
+        if (!log.head.shiftedLines.empty()) {
+            text += "; values moved one column to the left by a leading tab in line " +
+                    listed(log.head.shiftedLines, mostLinesTold);
+        }
         if (!log.head.zeroLines.empty()) {
             text += "; not taken what stands behind a zero byte in line " +
-                    listed(log.head.zeroLines, 10);
+                    listed(log.head.zeroLines, mostLinesTold);
         }
         return text;
     }
@@ -414,9 +418,9 @@ private:
 
     int save() {
         findings_ = !takeTagsFromColumn(*table_, origins_) || findings_;
-        progress_.show("writing", options_.output.c_str());
+        showProgress(fmt::format("writing {} ...", options_.output));
         const int code = saveChecked(*table_, options_.output, origins_);
-        progress_.clear();
+        clearProgress();
         if (code == exitFailure) {
             return code;
         }
@@ -429,7 +433,6 @@ private:
     }
 
     const ImportOptions& options_;
-    Progress progress_;
     std::vector<Log> logs_;
     std::unique_ptr<oledb> table_;
     bool appending_ = false;

@@ -66,6 +66,7 @@ int run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    occupyStandardFiles();
     removeTemporaryFilesOnSignals();
     ignoreClosedPipes();
     redirectModuleMessages();

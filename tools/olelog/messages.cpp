@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -15,6 +17,14 @@ void setModuleSinks(const Tarn::MessageSink& sink) {
     Tarn::setLogSink(sink);
     Tarn::setConsoleSink(sink);
     Tarn::setOutputSink(sink);
+}
+
+constexpr std::size_t progressWidth = 72;
+
+/// Whether a line of progress stands on the terminal.
+bool& progressStands() {
+    static bool stands = false;
+    return stands;
 }
 
 bool needsQuotes(std::string_view name) {
@@ -25,8 +35,24 @@ bool needsQuotes(std::string_view name) {
 } // namespace
 
 void sayLine(std::string_view text) {
+    clearProgress();
     const std::string line = "olelog: " + shown(text) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void showProgress(std::string_view doing) {
+    if (isatty(STDERR_FILENO) != 0) {
+        clearProgress();
+        const std::string line = cutToWidth(shown(doing), progressWidth);
+        std::fwrite(line.data(), 1, line.size(), stderr);
+        progressStands() = true;
+    }
+}
+
+void clearProgress() {
+    if (std::exchange(progressStands(), false)) {
+        std::fputs("\r\x1b[K", stderr);
+    }
 }
 
 void redirectModuleMessages() {

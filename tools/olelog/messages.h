@@ -14,6 +14,11 @@ void say(fmt::format_string<Values...> format, Values&&... values) {
     sayLine(fmt::format(format, std::forward<Values>(values)...));
 }
 
+/// Tells on a terminal what is being done, until the next message or `clearProgress`. Elsewhere
+/// nothing.
+void showProgress(std::string_view doing);
+void clearProgress();
+
 /// From now on what the module prints goes to standard error, as lines of the tool. It would
 /// otherwise stand between the data on standard output.
 void redirectModuleMessages();

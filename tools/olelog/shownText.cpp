@@ -131,6 +131,10 @@ std::size_t displayWidth(std::string_view shownText) {
     return width;
 }
 
+std::size_t widthWhenShown(std::string_view text) {
+    return isPlain(text) ? text.size() : displayWidth(shown(text));
+}
+
 std::string cutToWidth(std::string_view shownText, std::size_t width) {
     if (displayWidth(shownText) <= width) {
         return std::string{shownText};

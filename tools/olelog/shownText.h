@@ -16,6 +16,9 @@ std::string inQuotes(std::string_view text);
 /// mark that combines with the one before.
 std::size_t displayWidth(std::string_view shownText);
 
+/// The width of a text as `shown` gives it.
+std::size_t widthWhenShown(std::string_view text);
+
 /// The beginning of a shown text that fits into `width` places, with an ellipsis where something
 /// was cut. What belongs together (a letter and its accents) is never cut apart.
 std::string cutToWidth(std::string_view shownText, std::size_t width);

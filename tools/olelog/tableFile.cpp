@@ -175,7 +175,8 @@ private:
     /// Lines that the module read otherwise than they stand.
     bool tellBadLines() const {
         bool any = false;
-        for (unsigned number = 1; number <= lastLine(); ++number) {
+        const unsigned last = lastLine();
+        for (unsigned number = 1; number <= last; ++number) {
             const std::string_view text = line(number);
             if (text.size() > longestLine) {
                 say("{}: line {}: longer than {} bytes; the rest of it was not read", name_, number,

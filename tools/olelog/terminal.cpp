@@ -1,13 +1,10 @@
-// What is known about the terminal, and what only a terminal gets.
+// What is known about the terminal, and what it may get.
 
 #include "terminal.h"
 
-#include "shownText.h"
 #include "tarn/numbers.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <fmt/format.h>
 #include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -15,7 +12,6 @@
 namespace {
 
 constexpr std::size_t usualWidth = 80;
-constexpr std::size_t progressWidth = 72;
 
 const char* setting(const char* name) {
     const char* const value = std::getenv(name);
@@ -41,27 +37,4 @@ bool mayStyleOutput() {
     const std::string_view kind = setting("TERM");
     return isatty(STDOUT_FILENO) != 0 && *setting("NO_COLOR") == '\0' && !kind.empty() &&
            kind != "dumb";
-}
-
-Progress::Progress() : enabled_{isatty(STDERR_FILENO) != 0} {}
-
-Progress::~Progress() {
-    clear();
-}
-
-void Progress::show(const char* doing, const char* name) {
-    if (enabled_) {
-        clear();
-        const auto text = cutToWidth(shown(fmt::format("{} {} ...", doing, name)), progressWidth);
-        std::fputs(text.c_str(), stderr);
-        std::fflush(stderr);
-        standing_ = true;
-    }
-}
-
-void Progress::clear() {
-    if (standing_) {
-        std::fputs("\r\x1b[K", stderr);
-        standing_ = false;
-    }
 }

@@ -7,6 +7,7 @@
 
 #include <concepts>
 #include <string>
+#include <type_traits>
 
 class Cookie;
 class dbrecord;
@@ -89,4 +90,8 @@ public:
              !std::same_as<Number, bool>) int set_field(unsigned row, unsigned col, Number number) {
         return set_field(row, col, std::to_string(number).c_str());
     }
+    /// Pointers to anything but text are no values.
+    template <class Other>
+    requires(!std::same_as<std::remove_cv_t<Other>, char>) int set_field(unsigned row, unsigned col,
+                                                                         Other* pointer) = delete;
 };

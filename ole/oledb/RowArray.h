@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -39,6 +40,16 @@ public:
     void insert(unsigned at, std::vector<std::unique_ptr<dbrecord>>& rows) noexcept;
     /// Deletes n rows from `from` on; both lie within the count. Linear in the rows behind.
     void remove(unsigned from, unsigned n) noexcept;
+    /// Deletes the rows that a test selects, in one pass, and returns how many.
+    template <class Selects>
+    unsigned removeIf(Selects selects) {
+        dbrecord** const kept = std::stable_partition(
+            rows_, rows_ + count_, [&selects](const dbrecord* row) { return !selects(*row); });
+        const auto first = static_cast<unsigned>(kept - rows_);
+        const unsigned removed = count_ - first;
+        remove(first, removed);
+        return removed;
+    }
     /// Deletes all rows and the array; the capacity is 0 again.
     void clear() noexcept;
     /// Lets go of rows and array without deleting them.

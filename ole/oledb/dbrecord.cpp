@@ -8,10 +8,10 @@
 #include "misc/diagnostics.h"
 #include "misc/time_def.h"
 #include "ole/oledb/oledb.h"
-#include "tarn/Ascii.h"
 #include "tarn/numbers.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/StringList.h"
+#include "tarn/trimmed.h"
 
 #include <algorithm>
 #include <array>
@@ -60,13 +60,6 @@ const char* exportKey(const char* column) {
     return found == columns.end() ? nullptr : found->key;
 }
 
-const char* behindBlanks(const char* text) {
-    while (Tarn::isSpace(*text)) {
-        ++text;
-    }
-    return text;
-}
-
 const LightweightString<char>& sharedEmptyString() {
     static const LightweightString<char> empty{""};
     return empty;
@@ -97,16 +90,16 @@ dbrecord& dbrecord::operator=(const dbrecord& src) {
 
 dbrecord::~dbrecord() = default;
 
-void dbrecord::noteChanged() {
+void dbrecord::noteChanged(int slot) {
     changed_ = 1;
     if (container_) {
-        container_->rowWritten();
+        container_->rowWritten(slot);
     }
 }
 
-void dbrecord::storeText(std::size_t slot, const char* text) {
+void dbrecord::storeText(std::size_t slot, std::string_view text) {
     LightweightString<char>& held = values_[slot];
-    if (*text != '\0' || !held.empty()) {
+    if (!text.empty() || !held.empty()) {
         held = LightweightString<char>{text};
     }
 }
@@ -115,9 +108,9 @@ int dbrecord::set_field(int i, const char* s, bool skipBlanks) {
     if (i < 0 || i >= size_) {
         return 0;
     }
-    const char* const text = s ? s : "";
-    storeText(static_cast<std::size_t>(i), skipBlanks ? behindBlanks(text) : text);
-    noteChanged();
+    const std::string_view text{s ? s : ""};
+    storeText(static_cast<std::size_t>(i), skipBlanks ? Tarn::trimmedFront(text) : text);
+    noteChanged(i);
     return 1;
 }
 
@@ -172,11 +165,6 @@ int dbrecord::in_field(int i, char* dst, int len) const {
     const std::string_view text = values_[static_cast<std::size_t>(i)].view();
     const auto room = static_cast<std::size_t>(len);
     const std::size_t copied = std::min(text.size(), room);
-    if (copied == 0) {
-        dst[0] = '\0';
-        dst[room] = '\0';
-        return 1;
-    }
     std::memcpy(dst, text.data(), copied);
     std::memset(dst + copied, 0, room - copied + 1);
     return 1;

@@ -6,6 +6,7 @@
 
 #include <concepts>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -36,7 +37,8 @@ public:
     /// `def_types`.
     dbrecord(unsigned short n, DBFieldTypes::eType* types);
     /// A copy with n slots (0: as many as the source has), all of them in use, whatever the
-    /// source's `nfields` is. Container and tag are deliberately not copied.
+    /// source's `nfields` is. Container and tag are deliberately not copied. `types` stays the
+    /// source's list: it dangles when that table dies, until the copy is attached to one.
     dbrecord(const dbrecord& src, unsigned short n);
     dbrecord(const dbrecord& src) : dbrecord{src, 0} {}
     /// Takes over the source's values, at most as many as there are slots here, each without its
@@ -62,6 +64,10 @@ public:
                                                                                       Number v) {
         return set_field(i, std::to_string(v).c_str());
     }
+    /// Pointers to anything but text are no values.
+    template <class Other>
+    requires(!std::same_as<std::remove_cv_t<Other>, char>) int set_field(
+        int i, Other* pointer, bool skipBlanks = true) = delete;
 
     /// Makes every slot empty. Counts, flags and tag stay; the record does not count as changed.
     void clear();
@@ -79,9 +85,10 @@ public:
     [[nodiscard]] const char* get_field(unsigned short i) const;
     /// The string of slot i; one shared empty string when i is not below `nfields`.
     [[nodiscard]] const LightweightString<char>& getField(unsigned short i) const;
-    /// Copies at most `len` bytes of slot i to `dst`, pads with zero bytes, and always writes a
-    /// zero at dst[len]: `dst` holds len + 1 bytes. Bounded by the slots, not by `nfields`. Returns
-    /// 1; 0, touching nothing, when there is no such slot, `dst` is null or `len` is negative.
+    /// Copies at most `len` bytes of slot i to `dst` and fills it with zero bytes up to and
+    /// including dst[len]: `dst` holds len + 1 bytes. Bounded by the slots, not by `nfields`.
+    /// Returns 1; 0, touching nothing, when there is no such slot, `dst` is null or `len` is
+    /// negative.
     int in_field(int i, char* dst, int len) const;
     /// 1 when no value in use holds text, else 0. A blank is text. Linear in the columns.
     [[nodiscard]] int is_blank() const;
@@ -119,8 +126,8 @@ public:
 private:
     friend class oledb;
 
-    void storeText(std::size_t slot, const char* text);
-    void noteChanged();
+    void storeText(std::size_t slot, std::string_view text);
+    void noteChanged(int slot);
     /// `write` with a line buffer that a caller reuses over many rows.
     int writeLine(TextFile& file, std::string& line) const;
 

@@ -8,11 +8,13 @@
 
 #include "ole/oledb/dbrecord.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/rowText.h"
 
 #include "misc/diagnostics.h"
 #include "tarn/Ascii.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
+#include "tarn/trimmed.h"
 
 #include <array>
 #include <cstring>
@@ -22,23 +24,6 @@ namespace {
 
 constexpr std::size_t longestLine = 4095;
 constexpr std::size_t longestValue = 4096;
-
-std::string_view withoutBlanksAround(std::string_view text) {
-    while (!text.empty() && Tarn::isSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && Tarn::isSpace(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
-std::string_view withoutBlanksBehind(std::string_view text) {
-    while (!text.empty() && Tarn::isSpace(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
 
 bool holdsBackslash(std::string_view text) {
     return text.find('\\') != std::string_view::npos;
@@ -87,7 +72,7 @@ private:
         if (holdsBackslash(text)) {
             return false;
         }
-        field = withoutBlanksAround(text);
+        field = Tarn::trimmed(text);
         rest_.remove_prefix(close + 1);
         passComma();
         return true;
@@ -96,15 +81,13 @@ private:
     std::string_view decoded() {
         bool quoted = rest_.front() == '"';
         rest_.remove_prefix(quoted ? 1 : 0);
-        while (!rest_.empty() && Tarn::isSpace(rest_.front())) {
-            rest_.remove_prefix(1);
-        }
+        rest_ = Tarn::trimmedFront(rest_);
         std::size_t length = 0;
         while (!rest_.empty() && (quoted || rest_.front() != ',')) {
             length += decodeOne(length, quoted);
         }
         passComma();
-        return withoutBlanksBehind({text_.data(), length});
+        return Tarn::trimmedBack({text_.data(), length});
     }
 
     /// Decodes what stands next to position `at`; returns how many bytes that gave.
@@ -146,7 +129,9 @@ std::string_view valueToStore(std::string_view text) {
     return text.substr(0, longestValue);
 }
 
-void appendQuoted(std::string& line, std::string_view text) {
+} // namespace
+
+void appendQuotedValue(std::string& line, std::string_view text) {
     line += '"';
     while (!text.empty()) {
         const std::size_t plain = std::min(text.find_first_of("\"\n\r"), text.size());
@@ -168,8 +153,6 @@ void appendQuoted(std::string& line, std::string_view text) {
     }
     line += '"';
 }
-
-} // namespace
 
 int dbrecord::read(TextFile& file) {
     const std::string_view line = lineToParse(file);
@@ -204,7 +187,7 @@ int dbrecord::writeLine(TextFile& file, std::string& line) const {
         if (i != 0) {
             line += ',';
         }
-        appendQuoted(line, getField(i).view());
+        appendQuotedValue(line, getField(i).view());
     }
     file.appendLine(line);
     changed_ = 0;

@@ -3,6 +3,7 @@
 #include "misc/date_def.h"
 #include "misc/time_def.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/recordValue.h"
 #include "tarn/Ascii.h"
 #include "tarn/numbers.h"
 
@@ -36,10 +37,6 @@ const LabelPair* labelPairOf(std::string_view name) {
         }
     }
     return nullptr;
-}
-
-std::string_view valueAt(const dbrecord& record, int col) {
-    return record.getField(static_cast<unsigned short>(col)).view();
 }
 
 constexpr std::size_t longestCompared = 255;
@@ -163,7 +160,7 @@ int oledb::found_in_special_label_field(const dbrecord* record, int col) const {
 
 int oledb::labelRangeHolds(const dbrecord& record, std::string_view query, int startCol,
                            int endCol) const {
-    const std::string_view start = startCol < 0 ? std::string_view{} : valueAt(record, startCol);
+    const std::string_view start = valueAt(record, startCol);
     if (start.empty()) {
         return 0;
     }
@@ -171,7 +168,7 @@ int oledb::labelRangeHolds(const dbrecord& record, std::string_view query, int s
     if (query == startPart) {
         return 1;
     }
-    const std::string_view end = endCol < 0 ? std::string_view{} : valueAt(record, endCol);
+    const std::string_view end = valueAt(record, endCol);
     if (end.empty() || query < startPart) {
         return 0;
     }

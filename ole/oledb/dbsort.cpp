@@ -7,9 +7,10 @@
 
 #include "misc/time_def.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/recordValue.h"
 #include "ole/oledb/StableSort.h"
-#include "tarn/Ascii.h"
 #include "tarn/StringFunctions.h"
+#include "tarn/trimmed.h"
 
 #include <cstddef>
 #include <string_view>
@@ -31,21 +32,8 @@ const dbrecord& recordAt(const void* element) {
     return **static_cast<const dbrecord* const*>(element);
 }
 
-std::string_view valueAt(const dbrecord& record, int col) {
-    return col > 0xFFFF ? std::string_view{}
-                        : record.getField(static_cast<unsigned short>(col)).view();
-}
-
 std::string_view from(std::string_view text, std::size_t start) {
     return text.substr(std::min(start, text.size()));
-}
-
-std::string_view behindBlanks(std::string_view text) {
-    std::size_t start = 0;
-    while (start < text.size() && Tarn::isSpace(text[start])) {
-        ++start;
-    }
-    return text.substr(start);
 }
 
 std::string_view behindLocaleBlanks(std::string_view text) {
@@ -96,8 +84,8 @@ int dbr_cmp(const void* a, const void* b) {
         return emptyLast(firstBlank, secondBlank);
     }
     for (const int* key = cmp_fields; key && *key >= 0; ++key) {
-        const std::string_view x = behindBlanks(valueAt(first, *key));
-        const std::string_view y = behindBlanks(valueAt(second, *key));
+        const std::string_view x = Tarn::trimmedFront(valueAt(first, *key));
+        const std::string_view y = Tarn::trimmedFront(valueAt(second, *key));
         if (x.empty() || y.empty()) {
             return emptyLast(x.empty(),
                              y.empty()); // both empty: further keys are deliberately not asked
@@ -175,10 +163,10 @@ void oledb::sortPrepare(int, int force) {
 
 void oledb::sort(int dir, int force) {
     sortPrepare(dir, force);
+    forgetCookies();
     const auto compare = dir >= 0 ? dbr_cmp : dbr_backcmp;
     stableSort(rows_.data(), rows_.count(),
                [compare](dbrecord* a, dbrecord* b) { return compare(&a, &b) < 0; });
-    forgetCookies();
     if (showTagsOnly_ != 0) {
         index_tags();
     }

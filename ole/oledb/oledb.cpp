@@ -4,21 +4,15 @@
 #include "ole/oledb/oledb.h"
 
 #include "misc/date_def.h"
+#include "ole/oledb/messageTypes.h"
 #include "tarn/NotifyMsg.h"
-#include "tarn/NotifyMsgTypeDictionary.h"
 #include "tarn/numbers.h"
 
 #include <algorithm>
-#include <climits>
 #include <string>
 #include <utility>
 
 namespace {
-
-int recordsDeleted() {
-    static const int type = NotifyMsgTypeDictionary::intern("recordsDeleted");
-    return type;
-}
 
 LightweightString<char> rowNumbers(unsigned from, unsigned n) {
     std::string text;
@@ -30,6 +24,21 @@ LightweightString<char> rowNumbers(unsigned from, unsigned n) {
 }
 
 } // namespace
+
+/// Appends n rows that `make` gives for 0, 1, ...: all of them, or none when memory runs out.
+template <class Make>
+void oledb::appendRows(unsigned n, Make make) {
+    rows_.makeRoomFor(n);
+    const unsigned before = rows_.count();
+    try {
+        for (unsigned i = 0; i < n; ++i) {
+            rows_.append(make(i));
+        }
+    } catch (...) {
+        rows_.remove(before, rows_.count() - before);
+        throw;
+    }
+}
 
 // -- construction --
 
@@ -85,12 +94,10 @@ void oledb::copyFieldsFrom(const oledb& src) {
 
 void oledb::copyRowsFrom(const oledb& src) {
     const unsigned n = src.get_num_records();
-    rows_.makeRoomFor(n);
-    for (unsigned i = 0; i < n; ++i) {
-        if (const dbrecord* const row = src.get_record(i)) {
-            rows_.append(copyOfRow(*row));
-        }
-    }
+    appendRows(n, [&](unsigned i) {
+        const dbrecord* const row = src.get_record(i);
+        return row ? copyOfRow(*row) : newRow();
+    });
 }
 
 void oledb::setDefaults() {
@@ -153,26 +160,13 @@ std::unique_ptr<dbrecord> oledb::copyOfRow(const dbrecord& src) {
     return row;
 }
 
-void oledb::appendNewRows(unsigned n) {
-    rows_.makeRoomFor(n);
-    const unsigned before = rows_.count();
-    try {
-        for (unsigned i = 0; i < n; ++i) {
-            rows_.append(newRow());
-        }
-    } catch (...) {
-        rows_.remove(before, rows_.count() - before);
-        throw;
-    }
-}
-
 int oledb::add_records(int n) {
     if (showTagsOnly_ != 0) {
         return -1;
     }
     const unsigned first = rows_.count();
     if (n > 0) {
-        appendNewRows(static_cast<unsigned>(n));
+        appendRows(static_cast<unsigned>(n), [this](unsigned) { return newRow(); });
     }
     return static_cast<int>(first);
 }
@@ -197,11 +191,12 @@ int oledb::delete_records(unsigned from, unsigned n) {
         return 0;
     }
     const unsigned deleted = std::min(n, rows_.count() - from);
+    const int type = recordsDeletedType();
     const NotifyMsg msg{rowNumbers(from, deleted)};
     rows_.remove(from, deleted);
     forgetCookies();
     changed_ = 1;
-    issueNotification(msg, recordsDeleted());
+    issueNotification(msg, type);
     return static_cast<int>(deleted);
 }
 
@@ -209,6 +204,12 @@ int oledb::delete_tagged_records() {
     if (showTagsOnly_ != 0) {
         return -1;
     }
+    return hasListeners(recordsDeletedType()) ? deleteTaggedRuns() : deleteTaggedUnheard();
+}
+
+/// Run by run, each with its message. Listeners may change rows and tags, so both are asked for
+/// anew.
+int oledb::deleteTaggedRuns() {
     int deleted = 0;
     unsigned run = 0; // tagged rows directly before the row looked at
     for (unsigned row = 0; row <= get_num_records(); ++row) {
@@ -223,6 +224,16 @@ int oledb::delete_tagged_records() {
         }
     }
     return deleted;
+}
+
+/// In one pass, for nobody can see the steps.
+int oledb::deleteTaggedUnheard() {
+    const unsigned deleted = rows_.removeIf([](const dbrecord& row) { return row.tag_ == 1; });
+    if (deleted != 0) {
+        forgetCookies();
+        changed_ = 1;
+    }
+    return static_cast<int>(deleted);
 }
 
 unsigned oledb::get_num_records() const {
@@ -352,13 +363,16 @@ int oledb::in_field(unsigned row, unsigned col, bool& flag) {
     return 1;
 }
 
-void oledb::rowWritten() noexcept {
+void oledb::rowWritten(int slot) noexcept {
     changed_ = 1;
-    noCookieFound_ = false;
+    if (noCookieFound_ && slot == get_fieldnum(cookieField)) {
+        noCookieFound_ = false;
+    }
 }
 
 void oledb::rowRead() noexcept {
-    rowWritten();
+    changed_ = 1;
+    noCookieFound_ = false;
     modifiedTime_ = Tarn::now();
 }
 

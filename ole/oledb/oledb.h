@@ -40,9 +40,16 @@ struct dberror {
 /// is silent.
 ///
 /// While the show-tags-only mode is on, row numbers of the interface are positions among the rows
-/// that were tagged when it was switched on, and rows can be neither added nor deleted.
+/// that were tagged when it was switched on. Rows can then be neither inserted nor deleted, and are
+/// added by `add_text` alone, behind those that are shown.
 ///
-/// One thread at a time. Costs are constant where none is given; R is the number of rows.
+/// Rows and columns out of range give 0, null or -1, as each operation says, and change nothing.
+/// Texts handed out by pointer are good until that value, name or parameter is next written, or its
+/// owner goes. When memory runs out, std::bad_alloc passes through and the table is as it was
+/// before, or, where a file was being read, not valid.
+///
+/// One thread at a time. R is the number of rows; costs are constant, or follow the length of a
+/// text or the number of columns, where nothing is said.
 class OLE_API oledb : public ODBBase, public Notifier {
 public:
     static constexpr unsigned maxFields = 256;
@@ -68,12 +75,12 @@ public:
 
     // -- life --
 
-    /// Deletes all rows, columns and parameters and sets every default; the file name and the
-    /// listeners stay. Views on the table are not told: they must not be used before they are
-    /// filled again.
+    /// Deletes all rows, columns and parameters and sets every default, linear in the rows; the
+    /// file name and the listeners stay. Views on the table are not told: they must not be used
+    /// before they are filled again.
     void free();
-    /// Sets every default without freeing anything: rows are no longer known to the table and their
-    /// memory is lost, unless the caller holds them. Only for a table that holds none.
+    /// Sets every default without deleting rows: the table no longer knows them and their memory is
+    /// lost, unless the caller holds them. Only for a table that has none. The file name stays.
     void init();
     /// Makes a table usable whose columns have been set: row storage, sort key, special label
     /// columns.
@@ -86,13 +93,16 @@ public:
     /// loading with the rows before it, and error 1. Without `requireHeader`, a file without header
     /// is taken too: its first line names the columns. Linear in the file's size.
     void loadFromFile(int maxRows, bool requireHeader);
-    /// Retired. Reports a failed check, then appends the rows of the table's file, its heading read
-    /// as rows.
+    /// Retired. Reports a failed check, then appends at most `maxRows` rows of the table's file,
+    /// its heading read as rows, and returns how many: for a file with a header and more than one
+    /// column none, with error 1. Linear in the file.
     int load_text(int maxRows);
     /// Appends rows from a file's current line on, at most `maxRows`, and returns how many. Stops
     /// at a blank line, or, with error 1, at a row whose number of fields is not the table's.
-    /// `skipFirst` leaves out the first line. Returns 0 when the table's capacity, a multiple of
-    /// 500 rows, is used up.
+    /// `skipFirst` leaves out the first line. A row whose first field is "OLEDB" is taken for a
+    /// second header: it and two lines go, and the line behind them is taken in its place,
+    /// unchecked, its empty fields keeping what stood there. Returns 0 when the table's capacity, a
+    /// multiple of 500 rows, is used up. Linear in the rows read.
     int add_text(TextFile& file, int skipFirst, int maxRows);
     /// Reads parameter lines; leaves the line behind them in `scratch` (of 256 fields) and returns
     /// its number of fields, 0 where the file ended or broke off before.
@@ -103,28 +113,32 @@ public:
     /// rows.
     int save_column_header(TextFile& file, bool namesOnly);
     /// Saves parameters, header and every row, replacing the file whole or not at all. A column
-    /// "Tag" first gets each row's tag. Returns the number of rows; 0 for a failure and for a table
-    /// without rows.
+    /// "Tag" first gets each row's tag, shown or not. Returns the number of rows; 0 for a failure
+    /// and for a table without rows. Linear in the rows.
     int save_text() override;
     /// The same with the names line for a header. With parameters such a file cannot be loaded
-    /// again.
+    /// again. Linear in the rows.
     int save_text_without_header();
-    /// Saves parameters, header and the tagged rows only; returns 1, or 0 when that failed.
+    /// Saves parameters, header and the tagged rows only; returns 1, or 0 when that failed. Linear
+    /// in the rows.
     int save_tags() override;
 
     // -- rows --
 
     /// Puts n empty rows before row `at`, behind the last for any `at` beyond it. Returns n; 0 in
-    /// show-tags-only mode. Sends nothing. Linear in the rows behind.
+    /// show-tags-only mode. Sends nothing. Linear in n and the rows behind.
     int insert_records(unsigned at, unsigned n) override;
     /// Deletes n rows from `from` on, or as many as there are. Returns how many; 0, sending
     /// nothing, for none and in show-tags-only mode. Sends "recordsDeleted". Linear in the rows
     /// behind.
     int delete_records(unsigned from, unsigned n) override;
     /// Deletes the rows whose tag is 1, each run of them with one message; returns how many, -1 in
-    /// show-tags-only mode. Listeners may change the table meanwhile.
+    /// show-tags-only mode. Listeners may change the table meanwhile. Linear in the rows while
+    /// nobody listens to "recordsDeleted", else R for each run.
     int delete_tagged_records() override;
+    /// The number of rows; in show-tags-only mode, of those shown.
     [[nodiscard]] unsigned get_num_records() const override;
+    /// A row, owned by the table and good until it is deleted; null out of range.
     [[nodiscard]] dbrecord* get_record(unsigned row) const override;
     /// A new unattached record with this table's columns; the caller owns it, and it must not
     /// outlive the table.
@@ -133,7 +147,8 @@ public:
     /// -1 in show-tags-only mode. Sends nothing. Amortised constant a row.
     int add_records(int n) override;
     /// Appends copies of the rows that another table shows and returns their number. -1 in
-    /// show-tags-only mode and when revisions or columns (names, types) differ.
+    /// show-tags-only mode and when revisions or columns (names, types) differ. Linear in the rows
+    /// added.
     int add_oledb(oledb* other);
     /// Assigns a copy of another table's row to row `to`; nothing happens where either is missing.
     void copy_record(int to, oledb* src, int from);
@@ -144,6 +159,7 @@ public:
 
     // -- values --
 
+    /// The text of a value; null for no such row or column.
     [[nodiscard]] const char* get_field(unsigned row, int col) const override;
     [[nodiscard]] const char* get_field(unsigned row, const char* name) const override;
     using ODBBase::set_field;
@@ -151,12 +167,14 @@ public:
     /// `getRowIndexByID`; on a table that was not asked for a row yet, the note is all that it will
     /// know until rows are inserted or deleted. 0 without such a row or column.
     int set_field(unsigned row, const Cookie& cookie) override;
+    /// Store a value as `dbrecord::set_field` does (a text without its leading white space) and
+    /// return 1; 0 for no such row or column.
     int set_field(unsigned row, unsigned col, const char* text) override;
     int set_field(unsigned row, unsigned col, int number) override;
     int set_field(unsigned row, unsigned col, double seconds) override;
     int set_field(unsigned row, unsigned col, bool flag) override;
-    /// Copies at most `size` bytes and a closing zero: `buf` holds size + 1 bytes, deliberately. 0
-    /// when there is no such row or column, else 1.
+    /// Copies at most `size` bytes and closes with zeros: `buf` holds size + 1 bytes, deliberately.
+    /// 0 when there is no such row or column, else 1.
     int in_field(unsigned row, unsigned col, char* buf, int size) override;
     /// Reads the text as a number, or as true exactly when it begins with 't'. 0, leaving the
     /// argument alone, when there is no such row or column; an empty text reads as 0 or false and
@@ -168,9 +186,11 @@ public:
     // -- columns --
 
     [[nodiscard]] unsigned get_num_fields() const override { return numFields_; }
+    /// A column's name; "" out of range.
     [[nodiscard]] const char* get_fieldname(unsigned col) override;
     /// The length in bytes of the widest text of a column. Linear in the rows.
     [[nodiscard]] unsigned get_fieldsize(unsigned col) override;
+    /// A column's type; `NONE` out of range. The second is the same as the first.
     [[nodiscard]] DBFieldTypes::eType get_field_type(unsigned col) override;
     [[nodiscard]] DBFieldTypes::eType get_fieldtype(unsigned col) override;
     /// Sets a type and returns 1; 0 out of range. Type `NONE` records error 2 and sets text.
@@ -194,12 +214,15 @@ public:
 
     // -- file name, parameters, errors --
 
+    /// The path that loading and saving use.
     void set_filename(LightweightString<wchar_t> path) override;
     [[nodiscard]] LightweightString<wchar_t> get_filename() override;
-    /// Sets a parameter (names ignore case) and returns 0. The first parameter of a table is always
-    /// its revision, which is put in when the list is empty. -1 for a null name or value, an empty
-    /// name, the name "OLEDB" where it does not exist yet, and for a 41st parameter.
+    /// Sets a parameter (names ignore case) and returns 0. An empty list first gets the revision,
+    /// "OLEDB" with "Rev 1", whose value can be replaced like any other. -1 for a null name or
+    /// value, an empty name, the name "OLEDB" where it does not exist yet, and for a 41st
+    /// parameter.
     int add_param(const char* name, const char* value) override;
+    /// The same as `add_param`.
     int set_param_val(const char* name, const char* value) override;
     /// The value of a parameter, null for none; good until it is set again.
     [[nodiscard]] const char* get_param_val(const char* name) const override;
@@ -210,7 +233,8 @@ public:
     }
     /// Name and value of parameter i, null out of range.
     [[nodiscard]] const char* get_param_name(unsigned i) const noexcept;
-    [[nodiscard]] const char* get_param_val(unsigned i) const noexcept;
+    [[nodiscard]] const char* get_param_value(unsigned i) const noexcept;
+    /// Records an error for `read_error_info`; see `dberror`.
     void fill_error_info(int code, int where, int aux1, int aux2);
     /// The last error of loading or defining the table; false when there was none. A valid table
     /// may have one.
@@ -218,31 +242,36 @@ public:
 
     // -- tags --
 
+    /// Stores the low byte of `tag`, or turns the tag over, and returns 1; 0 for no such row.
     int set_tag(unsigned row, int tag) override;
     int invert_tag(unsigned row) override;
     /// `set_tag` for every number below the row count, so in show-tags-only mode for the shown rows
-    /// only.
+    /// only. Returns how many were set. Linear in the rows.
     int set_all_tags(int tag) override;
-    /// Inverts every row's tag, shown or not.
+    /// Inverts every row's tag, shown or not; returns the number of rows. Linear in the rows.
     int invert_all_tags() override;
-    /// Switches the mode. Switching on takes the rows that are tagged now and returns their number.
+    /// Switches the mode. Switching on takes the rows that are tagged now and returns their number;
+    /// switching off returns 0. Linear in the rows.
     int set_show_tags_only(int on) override;
     [[nodiscard]] int get_show_tags_only() override { return showTagsOnly_; }
     /// The row's tag, -1 for no such row.
     [[nodiscard]] int get_tag(unsigned row) override;
+    /// How many of the rows that the interface shows are tagged now. Linear in the rows.
     [[nodiscard]] int get_num_tags() override;
     /// Fills the tag index with the rows that are tagged now. Linear in the rows.
     void index_tags();
     /// The number that the interface uses for a row of the storage, and the other way round; the
-    /// same while show-tags-only is off; all ones for none. Linear in the rows while it is on.
+    /// same while show-tags-only is off; all ones for none. The position just behind the last
+    /// tagged row is deliberately not refused: an earlier index may have left a row there. Linear
+    /// in the rows while the mode is on.
     [[nodiscard]] unsigned get_new_row(unsigned raw) const;
     [[nodiscard]] unsigned get_raw_row(unsigned row) const;
 
     // -- cookies, batches, changes --
 
     /// The row whose column "cookie" holds a cookie (the first of several), or -1. Builds an index
-    /// of all rows at first use and again after rows were inserted, deleted or sorted: linear then,
-    /// constant otherwise.
+    /// of all rows at first use and again after rows were inserted, deleted or sorted, or the
+    /// show-tags-only mode was switched: linear then, constant otherwise.
     [[nodiscard]] int getRowIndexByID(const Cookie& cookie) const;
     /// Opens a batch of updates; batches nest.
     void beginUpdate();
@@ -256,13 +285,16 @@ public:
     bool update(configb* cfg, int row);
     /// Clears the changed flags of table and rows; returns the row count. Linear in the rows.
     int clear_changed();
+    /// 1 when values, rows or parameters changed since the table was loaded or the flag was
+    /// cleared.
     [[nodiscard]] int get_changed() const noexcept { return changed_; }
     /// When the table was made or a row was last read from a file: seconds since 1970.
     [[nodiscard]] long long get_modified_time() const noexcept { return modifiedTime_; }
     [[nodiscard]] int get_revision() const noexcept { return revision_; }
     /// Row slots, as callers may count on them: grows by 500.
     [[nodiscard]] unsigned get_capacity() const noexcept { return rows_.capacity(); }
-    /// The columns that a load without header took for timecodes, ended by -1 (all ones).
+    /// The columns that a load without header took for timecodes, ended by -1 (all ones);
+    /// nothing at all for a table that was not loaded.
     [[nodiscard]] const std::vector<unsigned>& get_timecode_columns() const noexcept {
         return timecodeColumns_;
     }
@@ -298,11 +330,11 @@ public:
     int set_query(dbrecord* query) override;
     /// Tags the rows that match the query and, unless `keep`, takes the tags of the others; returns
     /// the number of matches. Deliberately, in show-tags-only mode the numbers beyond the shown
-    /// rows count as matches. 0 without a query or rows.
+    /// rows count as matches. 0 without a query or rows. Linear in the rows.
     int tag_matching_records(int keep) override;
     /// Sorts by a column and tags the first row of every run of equal values (ignoring case);
     /// returns the number of tags. A leading run of empty values gets none, and values over 255
-    /// bytes are all tagged.
+    /// bytes are all tagged. R log R comparisons.
     int tag_all_different(int col) override;
     /// 1 when a row matches the query, 0 when not, -1 for no such row or no query.
     [[nodiscard]] int match_record(int row) const override;
@@ -330,6 +362,7 @@ public:
 
     /// A table is its own base: returns its argument.
     [[nodiscard]] int baseIndex(int row) override { return row; }
+    /// 1 when construction or loading succeeded.
     [[nodiscard]] int get_valid() const override { return valid_; }
 
     /// Switches of the search; no operation sets them.
@@ -338,6 +371,10 @@ public:
 
 private:
     friend class dbrecord;
+
+    static constexpr int currentRevision = 1;
+    static constexpr const char* cookieField = "cookie";
+    using CookieMap = std::unordered_map<Cookie, unsigned, CookieHash>;
 
     struct Param {
         LightweightString<char> name;
@@ -348,19 +385,23 @@ private:
     unsigned takeFields(const DBFieldDesc* fields, unsigned firstCol);
     void copyFieldsFrom(const oledb& src);
     void copyRowsFrom(const oledb& src);
-    void appendNewRows(unsigned n);
+    template <class Make>
+    void appendRows(unsigned n, Make make);
+    int deleteTaggedRuns();
+    int deleteTaggedUnheard();
+    void setFieldCount(unsigned n);
     [[nodiscard]] std::unique_ptr<dbrecord> newRow();
     [[nodiscard]] std::unique_ptr<dbrecord> copyOfRow(const dbrecord& src);
     void forgetCookies() const noexcept;
-    void rowWritten() noexcept;
+    void noteCookie(const Cookie& cookie, unsigned row);
+    void rowWritten(int slot) noexcept;
     void rowRead() noexcept;
-    void add_chunk() { rows_.makeRoomFor(rows_.capacity() + 1 - rows_.count()); }
 
-    int readHeader(TextFile& file, dbrecord& scratch, int fieldsFound, bool requireHeader);
+    bool readHeader(TextFile& file, dbrecord& scratch, int fieldsFound, bool requireHeader);
     bool readColumns(TextFile& file, dbrecord& scratch);
     void takeHeaderlessColumns(const dbrecord& scratch, int fieldsFound);
     void nameColumns(const dbrecord& scratch);
-    bool readRow(TextFile& file, dbrecord& row, bool leaveOutFirst);
+    bool replaceHeadingLines(TextFile& file, dbrecord& row, bool leaveOutFirst);
     bool rowFillsFields(const dbrecord& row, int appended);
     void storeLoadedParam(const char* line);
     void readRevision(const char* line);
@@ -395,9 +436,9 @@ private:
     long long modifiedTime_ = 0;
     CookieVec pendingCookies_;
     unsigned updateDepth_ = 0;
-    mutable std::unordered_map<Cookie, unsigned, CookieHash> cookieMap_;
+    mutable CookieMap cookieMap_;
     mutable bool noCookieFound_ =
-        false; // the index was built and is empty; any written value ends that
+        false; // the index was built and is empty; a cookie written as text ends that
     std::map<LightweightString<char>, unsigned, StrCmpCI> fieldNameMap_;
     std::vector<bool> specialLabels_;
     int valid_ = 0;

@@ -87,10 +87,10 @@ int oledb::set_fieldname(unsigned col, const char* name) {
         fieldNames_[col] = {};
         return 1;
     }
-    LightweightString<char>& stored = fieldNames_[col];
-    stored =
+    const LightweightString<char> stored =
         remove_ampersands != 0 ? strip_char_from_string('&', name) : LightweightString<char>{name};
     fieldNameMap_[stored] = col;
+    fieldNames_[col] = stored;
     return 1;
 }
 
@@ -158,16 +158,27 @@ int oledb::addField(const DBFieldDesc& field) {
     if (existing >= 0) {
         return existing;
     }
-    const unsigned col = numFields_++;
-    set_fieldname(col, field.name.c_str());
-    set_fieldtype(col, field.type);
-    specialLabels_.resize(col, false);
-    specialLabels_.push_back(isSpecialLabelField(col));
-    int unreadWidths = 0; // records ask for a list and do not look at it
-    for (unsigned i = 0; i < rows_.count(); ++i) {
-        rows_.at(i)->resizeRecord(static_cast<int>(numFields_), &unreadWidths, false);
+    const unsigned col = numFields_;
+    try {
+        setFieldCount(col + 1);
+        set_fieldname(col, field.name.c_str());
+        set_fieldtype(col, field.type);
+    } catch (...) {
+        setFieldCount(col);
+        throw;
     }
+    specialLabels_[col] = isSpecialLabelField(col);
     return static_cast<int>(col);
+}
+
+/// Gives the table, and every row, so many columns. Lowering the number needs no memory.
+void oledb::setFieldCount(unsigned n) {
+    int unreadWidths = 0; // records ask for a list and do not look at it
+    specialLabels_.resize(n, false);
+    for (unsigned i = 0; i < rows_.count(); ++i) {
+        rows_.at(i)->resizeRecord(static_cast<int>(n), &unreadWidths, false);
+    }
+    numFields_ = n;
 }
 
 bool oledb::sameColumns(oledb* other) const {

@@ -4,13 +4,12 @@
 #include "ole/oledb/oledb.h"
 #include "tarn/numbers.h"
 
-#include <string>
 #include <string_view>
+#include <utility>
 
 namespace {
 
 constexpr const char* revisionParam = "OLEDB";
-constexpr const char* currentRevisionText = "Rev 1";
 
 } // namespace
 
@@ -39,7 +38,8 @@ int oledb::add_param(const char* name, const char* value) {
     }
     Param added{LightweightString<char>{name}, LightweightString<char>{value}};
     if (params_.empty()) {
-        params_.push_back({revisionParam, currentRevisionText});
+        params_.push_back(
+            {revisionParam, LightweightString<char>{"Rev "} + Tarn::decimal(currentRevision)});
     }
     if (added.name == revisionParam || params_.size() >= maxParams) {
         return -1;
@@ -62,7 +62,7 @@ const char* oledb::get_param_name(unsigned i) const noexcept {
     return i < params_.size() ? params_[i].name.c_str() : nullptr;
 }
 
-const char* oledb::get_param_val(unsigned i) const noexcept {
+const char* oledb::get_param_value(unsigned i) const noexcept {
     return i < params_.size() ? params_[i].value.c_str() : nullptr;
 }
 

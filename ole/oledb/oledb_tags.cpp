@@ -54,19 +54,18 @@ int oledb::get_num_tags() {
 }
 
 int oledb::set_show_tags_only(int on) {
+    if (on != 0) {
+        index_tags();
+    }
     showTagsOnly_ = on;
     forgetCookies(); // the index holds row numbers, which the mode changes
-    if (on == 0) {
-        return 0;
-    }
-    index_tags();
-    return static_cast<int>(taggedCount_);
+    return on != 0 ? static_cast<int>(taggedCount_) : 0;
 }
 
 void oledb::index_tags() {
     tagIndex_.resize(std::max<std::size_t>(tagIndex_.size(), rows_.capacity()));
     taggedCount_ = 0;
-    noCookieFound_ = false;
+    forgetCookies();
     for (unsigned i = 0; i < rows_.count(); ++i) {
         dbrecord* const row = rows_.at(i);
         if (row->tag_ != 0) {
@@ -89,7 +88,7 @@ unsigned oledb::get_raw_row(unsigned row) const {
     if (showTagsOnly_ == 0) {
         return row;
     }
-    // One entry beyond the tagged count may hold a row from an earlier index; callers may ask for
+    // The entry just behind the last one may hold a row from an earlier index; callers may ask for
     // it.
-    return row < tagIndex_.size() ? rows_.find(tagIndex_[row]) : ~0U;
+    return row <= taggedCount_ && row < tagIndex_.size() ? rows_.find(tagIndex_[row]) : ~0U;
 }

@@ -10,12 +10,12 @@
 
 #include "misc/diagnostics.h"
 #include "ole/oledb/oledb.h"
-#include "tarn/Ascii.h"
+#include "ole/oledb/rowText.h"
 #include "tarn/numbers.h"
 #include "tarn/TextFile.h"
+#include "tarn/trimmed.h"
 
 #include <algorithm>
-#include <climits>
 #include <string>
 #include <string_view>
 
@@ -23,7 +23,6 @@ namespace {
 
 constexpr std::string_view headerWord = "OLEDB";
 constexpr std::string_view revisionPrefix = "OLEDB:";
-constexpr int currentRevision = 1;
 constexpr unsigned short headingFields = 256;
 constexpr unsigned maxFileFields = 255;
 constexpr auto lineEnds = TextFile::eEOLStyleCRLF;
@@ -37,13 +36,6 @@ bool startsWithIgnoringCase(std::string_view text, std::string_view prefix) {
 
 std::string_view firstField(const dbrecord& row) {
     return row.getField(0).view();
-}
-
-std::string_view behindBlanks(std::string_view text) {
-    while (!text.empty() && Tarn::isSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    return text;
 }
 
 void appendQuotedRaw(std::string& line, std::string_view text) {
@@ -63,13 +55,13 @@ bool namesATime(const LightweightString<char>& name) {
 // -- parameters --
 
 void oledb::storeLoadedParam(const char* line) {
-    const std::string_view text = behindBlanks(line);
+    const std::string_view text = Tarn::trimmedFront(line);
     const std::size_t colon = text.find(':');
     if (colon == 0 || colon == std::string_view::npos || params_.size() >= maxParams) {
         return;
     }
     params_.push_back({LightweightString<char>{text.substr(0, colon)},
-                       LightweightString<char>{behindBlanks(text.substr(colon + 1))}});
+                       LightweightString<char>{Tarn::trimmedFront(text.substr(colon + 1))}});
 }
 
 void oledb::readRevision(const char* line) {
@@ -122,7 +114,8 @@ int oledb::save_column_header(TextFile& file, bool namesOnly) {
         if (!namesOnly) {
             const unsigned width = std::max(get_fieldsize(i), getMinFieldSize(get_fieldname(i)));
             appendQuotedRaw(widths, std::to_string(width));
-            appendQuotedRaw(types, oledb_fieldtype_to_string(fieldTypes_[i]).view());
+            types += types.empty() ? "" : ",";
+            appendQuotedValue(types, oledb_fieldtype_to_string(fieldTypes_[i]).view());
         }
     }
     if (!namesOnly) {
@@ -174,18 +167,18 @@ void oledb::nameColumns(const dbrecord& scratch) {
 }
 
 /// Takes the columns from the heading; false where there is none that can be used.
-int oledb::readHeader(TextFile& file, dbrecord& scratch, int fieldsFound, bool requireHeader) {
+bool oledb::readHeader(TextFile& file, dbrecord& scratch, int fieldsFound, bool requireHeader) {
     if (fieldsFound == 0) {
-        return 0; // an empty file, or one that ends within its parameters
+        return false; // an empty file, or one that ends within its parameters
     }
     if (compareIgnoringCase(firstField(scratch), headerWord) == 0) {
-        return readColumns(file, scratch) ? 1 : 0;
+        return readColumns(file, scratch);
     }
     if (requireHeader) {
-        return 0;
+        return false;
     }
     takeHeaderlessColumns(scratch, fieldsFound);
-    return 1;
+    return true;
 }
 
 void oledb::loadFromFile(int maxRows, bool requireHeader) {
@@ -196,14 +189,14 @@ void oledb::loadFromFile(int maxRows, bool requireHeader) {
     }
     dbrecord scratch{headingFields};
     const int found = read_params(file, &scratch);
-    valid_ = readHeader(file, scratch, found, requireHeader);
-    if (valid_ == 0) {
+    if (!readHeader(file, scratch, found, requireHeader)) {
         return;
     }
     nameColumns(scratch);
     post_init();
     add_text(file, 0, maxRows);
     clear_changed();
+    valid_ = 1; // last: a table that memory ran out for is not taken for the whole file
 }
 
 // -- rows --
@@ -220,7 +213,7 @@ bool oledb::rowFillsFields(const dbrecord& row, int appended) {
 
 /// Reads the lines that stand in for the one in `row`: the next for a first line that is left out,
 /// the third from here for a second header. False where one of them finds nothing.
-bool oledb::readRow(TextFile& file, dbrecord& row, bool leaveOutFirst) {
+bool oledb::replaceHeadingLines(TextFile& file, dbrecord& row, bool leaveOutFirst) {
     int further = 0;
     if (leaveOutFirst) {
         further = 1;
@@ -244,7 +237,7 @@ int oledb::add_text(TextFile& file, int skipFirst, int maxRows) {
     while (appended < maxRows) {
         auto row = newRow();
         if (row->read(file) == 0 || !rowFillsFields(*row, appended) ||
-            !readRow(file, *row, skipFirst != 0 && appended == 0)) {
+            !replaceHeadingLines(file, *row, skipFirst != 0 && appended == 0)) {
             break;
         }
         rows_.makeRoomFor(1);
@@ -269,8 +262,8 @@ void oledb::writeTagColumn() {
         return;
     }
     for (unsigned i = 0; i < rows_.count(); ++i) {
-        const auto tag = Tarn::decimal(rows_.at(i)->tag_);
-        set_field(i, static_cast<unsigned>(col), tag.c_str());
+        dbrecord& row = *rows_.at(i);
+        row.set_field(col, row.tag_);
     }
 }
 

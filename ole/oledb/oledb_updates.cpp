@@ -1,22 +1,11 @@
 // The index of rows by cookie, and the batches of updates that end in one message.
 
 #include "misc/configb.h"
+#include "ole/oledb/messageTypes.h"
 #include "ole/oledb/oledb.h"
 #include "tarn/NotifyMsg.h"
-#include "tarn/NotifyMsgTypeDictionary.h"
 
 #include <utility>
-
-namespace {
-
-constexpr const char* cookieField = "cookie";
-
-int recordsChanged() {
-    static const int type = NotifyMsgTypeDictionary::intern("recordsChanged");
-    return type;
-}
-
-} // namespace
 
 int oledb::set_field(unsigned row, const Cookie& cookie) {
     dbrecord* const record = get_record(row);
@@ -26,25 +15,39 @@ int oledb::set_field(unsigned row, const Cookie& cookie) {
     }
     const int result = record->set_field(col, cookie.asString(false).c_str(), true);
     if (cookie.valid()) {
-        cookieMap_[cookie] = row;
+        noteCookie(cookie, row);
     }
     return result;
 }
 
+void oledb::noteCookie(const Cookie& cookie, unsigned row) {
+    try {
+        cookieMap_[cookie] = row;
+    } catch (...) {
+        forgetCookies(); // better none than one that lacks this row
+        throw;
+    }
+}
+
 void oledb::forgetCookies() const noexcept {
-    cookieMap_.clear();
+    if (!cookieMap_.empty()) {
+        CookieMap{}.swap(
+            cookieMap_); // an emptied map would keep its size, and clearing it again its cost
+    }
     noCookieFound_ = false;
 }
 
 void oledb::buildCookieMap() const {
     const int col = get_fieldnum(cookieField);
     const unsigned n = col < 0 ? 0 : get_num_records();
+    CookieMap found;
     for (unsigned row = 0; row < n; ++row) {
         const Cookie cookie{get_field(row, col), false};
         if (cookie.valid()) {
-            cookieMap_.emplace(cookie, row);
+            found.emplace(cookie, row); // the first of several rows is kept
         }
     }
+    cookieMap_.swap(found);
     noCookieFound_ = cookieMap_.empty() && n != 0;
 }
 
@@ -77,7 +80,7 @@ void oledb::endUpdate() {
     // Taken out first: a listener may begin the next batch.
     const Tarn::Ptr<WrappedData<CookieVec>> changed{
         new WrappedData<CookieVec>{std::exchange(pendingCookies_, {})}};
-    issueNotification(NotifyMsg{changed}, recordsChanged());
+    issueNotification(NotifyMsg{changed}, recordsChangedType());
 }
 
 bool oledb::update(configb* cfg, int row) {

@@ -6,15 +6,25 @@
 
 namespace Tarn {
 
-/// The slice of `text` without the white space (codes 9 to 13 and 32) at either end.
-constexpr std::string_view trimmed(std::string_view text) noexcept {
+// Slices of a text without its white space (codes 9 to 13 and 32) at the front, at the back, or at
+// either end.
+
+constexpr std::string_view trimmedFront(std::string_view text) noexcept {
     while (!text.empty() && isSpace(text.front())) {
         text.remove_prefix(1);
     }
+    return text;
+}
+
+constexpr std::string_view trimmedBack(std::string_view text) noexcept {
     while (!text.empty() && isSpace(text.back())) {
         text.remove_suffix(1);
     }
     return text;
+}
+
+constexpr std::string_view trimmed(std::string_view text) noexcept {
+    return trimmedBack(trimmedFront(text));
 }
 
 } // namespace Tarn

@@ -101,7 +101,7 @@ inline void setTags(oledb& table, const std::string& tags) {
 inline Texts paramsOf(const oledb& table) {
     Texts params;
     for (unsigned i = 0; i < table.get_num_params(); ++i) {
-        params.push_back(std::string{table.get_param_name(i)} + "=" + table.get_param_val(i));
+        params.push_back(std::string{table.get_param_name(i)} + "=" + table.get_param_value(i));
     }
     return params;
 }

@@ -56,7 +56,7 @@ std::string asJson(const oledb& table, const std::vector<ColumnFacts>& columns) 
     auto& parameters = object["parameters"] = nlohmann::ordered_json::array();
     for (unsigned i = 0; i < table.get_num_params(); ++i) {
         parameters.push_back(
-            {{"name", table.get_param_name(i)}, {"value", table.get_param_val(i)}});
+            {{"name", table.get_param_name(i)}, {"value", table.get_param_value(i)}});
     }
     auto& list = object["columns"] = nlohmann::ordered_json::array();
     for (const ColumnFacts& column : columns) {
@@ -83,7 +83,7 @@ void printTable(Output& out, const std::vector<TableColumn>& titles,
 void printParameters(Output& out, const oledb& table) {
     std::vector<std::vector<std::string>> rows;
     for (unsigned i = 0; i < table.get_num_params(); ++i) {
-        rows.push_back({table.get_param_name(i), table.get_param_val(i)});
+        rows.push_back({table.get_param_name(i), table.get_param_value(i)});
     }
     if (!rows.empty()) {
         out.write("\n");
@@ -105,7 +105,7 @@ void printColumns(Output& out, const std::vector<ColumnFacts>& columns) {
 
 bool holdsOnlyUtf8(const oledb& table, const std::vector<ColumnFacts>& columns) {
     for (unsigned i = 0; i < table.get_num_params(); ++i) {
-        if (!isUtf8(table.get_param_name(i)) || !isUtf8(table.get_param_val(i))) {
+        if (!isUtf8(table.get_param_name(i)) || !isUtf8(table.get_param_value(i))) {
             return false;
         }
     }

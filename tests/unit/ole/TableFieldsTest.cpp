@@ -65,12 +65,14 @@ TEST(TableFields, WidthsFollowTheContents) {
     EXPECT_EQ(table->get_fieldsize(1), 2U) << "bytes, not letters";
     table->setFieldWidth(0, 50);
     EXPECT_EQ(table->get_fieldsize(0), 4U);
+    // clang-format off
     const std::vector<std::pair<const char*, unsigned>> least = {
-        {"Name", 32},    {"name", 32},         {"NOTES", 100},        {"chans", 64},
-        {"Tag", 1},      {"sequence", 2},      {"start keycode", 17}, {"end inkcode", 15},
-        {"Mdrive", 4},   {"film duration", 9}, {"24P reel", 10},      {"start 24p CODE", 12},
-        {"cam_date", 6}, {"Duration", 16},     {"other", 4},          {"", 4},
-        {nullptr, 4},    {"Cookie", 12},       {"Type", 6},           {"Reel Type", 30}};
+        {"Name", 32}, {"name", 32}, {"NOTES", 100}, {"chans", 64}, {"Tag", 1}, {"sequence", 2},
+        {"start keycode", 17}, {"end inkcode", 15}, {"Mdrive", 4}, {"film duration", 9},
+        {"24P reel", 10}, {"start 24p CODE", 12}, {"cam_date", 6}, {"Duration", 16}, {"other", 4},
+        {"", 4}, {nullptr, 4}, {"Cookie", 12}, {"Type", 6}, {"Reel Type", 30}
+    };
+    // clang-format on
     for (const auto& [name, width] : least) {
         EXPECT_EQ(oledb::getMinFieldSize(name), width) << (name ? name : "null");
     }
@@ -142,7 +144,7 @@ TEST(TableParams, FortyFit) {
     EXPECT_EQ(table->add_param("p40", "v"), -1);
     EXPECT_EQ(table->get_changed(), 0);
     EXPECT_EQ(table->add_param("P39", "last"), 0);
-    EXPECT_STREQ(table->get_param_val(39U), "last");
+    EXPECT_STREQ(table->get_param_value(39U), "last");
     EXPECT_EQ(oledb(*table, 0).get_num_params(), 40U);
 }
 

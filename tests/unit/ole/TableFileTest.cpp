@@ -100,23 +100,14 @@ TEST_F(TableFile, TypeWords) {
 
 /// Values as they go in and as they come back.
 TEST_F(TableFile, ValuesThatChangeOnTheWay) {
+    // clang-format off
     const std::vector<std::pair<std::string, std::string>> values = {{"plain", "plain"},
-                                                                     {"a\nb", "a\nb"},
-                                                                     {"a\r\nb", "a\nb"},
-                                                                     {"C:\\new", "C:\new"},
-                                                                     {"C:\\old\\", "C:\\old\\"},
-                                                                     {"  both ends  ", "both ends"},
-                                                                     {"\nlead", "\nlead"},
-                                                                     {"trail\n", "trail"},
-                                                                     {"\"", "\""},
-                                                                     {"\"\"x\"", "\"\"x\""},
-                                                                     {"a,b", "a,b"},
-                                                                     {"\x01", "\x01"},
-                                                                     {"\xC2\xA0", "\xC2\xA0"},
-                                                                     {"\xFF\xFE", "\xFF\xFE"},
-                                                                     {"\t", ""},
-                                                                     {"", ""},
-                                                                     {"OLEDB", "OLEDB"}};
+        {"a\nb", "a\nb"}, {"a\r\nb", "a\nb"}, {"C:\\new", "C:\new"}, {"C:\\old\\", "C:\\old\\"},
+        {"  both ends  ", "both ends"}, {"\nlead", "\nlead"}, {"trail\n", "trail"}, {"\"", "\""},
+        {"\"\"x\"", "\"\"x\""}, {"a,b", "a,b"}, {"\x01", "\x01"}, {"\xC2\xA0", "\xC2\xA0"},
+        {"\xFF\xFE", "\xFF\xFE"}, {"\t", ""}, {"", ""}, {"OLEDB", "OLEDB"}
+    };
+    // clang-format on
     Rows in;
     Rows out;
     for (const auto& [stored, loaded] : values) {
@@ -263,9 +254,9 @@ TEST_F(TableFile, ParametersAsTheyStandInTheFile) {
               "oledb::read_text:  Warning: oledb is revision 12, current level is 1\n");
     EXPECT_EQ(table->get_num_params(), 3U);
     EXPECT_STREQ(table->get_param_name(0), "oledb");
-    EXPECT_STREQ(table->get_param_val(0U), "Rev 12b");
-    EXPECT_STREQ(table->get_param_val(1U), "b:c");
-    EXPECT_STREQ(table->get_param_val(2U), "again") << "names may come twice";
+    EXPECT_STREQ(table->get_param_value(0U), "Rev 12b");
+    EXPECT_STREQ(table->get_param_value(1U), "b:c");
+    EXPECT_STREQ(table->get_param_value(2U), "again") << "names may come twice";
     EXPECT_EQ(table->add_oledb(makeTable({"a", "b"}).get()), -1) << "another revision";
     EXPECT_EQ(table->get_changed(), 0);
     EXPECT_EQ(load("OLEDB:none\n" + std::string{header2})->get_revision(), 0);
@@ -381,6 +372,7 @@ TEST_F(TableFile, TagsAreWrittenIntoTheirColumn) {
     table->set_show_tags_only(1);
     table->set_filename(folder_.wide("all"));
     EXPECT_EQ(table->save_text(), 3) << "all rows are saved, whatever is shown";
+    EXPECT_EQ(columnOf(oledb{folder_.wide("all"), allRows, true}, 0), (Texts{"a", "b", "c"}));
 }
 
 TEST_F(TableFile, SavingWithoutHeader) {

@@ -47,6 +47,9 @@ TEST(TableRows, CapacityGrowsByChunks) {
     EXPECT_EQ(table->get_capacity(), 2500U);
     EXPECT_EQ(table->delete_records(0, none), 2001);
     EXPECT_EQ(table->get_capacity(), 2500U);
+    const auto exact = makeTable({"a"});
+    exact->add_records(1000);
+    EXPECT_EQ(exact->get_capacity(), 1000U);
     EXPECT_EQ(table->add_records(0), 0);
     EXPECT_EQ(table->add_records(-1), 0);
     EXPECT_EQ(table->add_records(std::numeric_limits<int>::min()), 0);
@@ -266,6 +269,9 @@ TEST(TableRows, CopyingSingleRecords) {
     EXPECT_EQ(rowsOf(*table), (Rows{{"n"}, {"1", "2", "3"}}));
     EXPECT_EQ(table->set_field(0, 2, "unseen"), 1);
     EXPECT_EQ(table->get_field(0, 2), nullptr);
+    table->copy_record(1, table.get(), 0);
+    EXPECT_EQ(valuesOf(*table->get_record(1)), (Texts{"n", "2", "unseen"}))
+        << "a copy of a row has all its values in use again";
 
     dbrecord own{2};
     own.set_field(1, "own");
@@ -325,7 +331,7 @@ TEST(TableRows, NumbersOutsideAreRefusedEverywhere) {
             EXPECT_EQ(table->delete_records(row, row), 0);
             EXPECT_FALSE(table->update(nullptr, col));
             EXPECT_EQ(table->get_param_name(row), nullptr);
-            EXPECT_EQ(table->get_param_val(row), nullptr);
+            EXPECT_EQ(table->get_param_value(row), nullptr);
             EXPECT_EQ(table->baseIndex(col), col);
             table->setFieldWidth(row, 5);
             table->set_sortfield(col);
@@ -380,6 +386,8 @@ TEST(TableRows, FreeKeepsListenersAndFileName) {
     table->add_param("p", "v");
     int keys[] = {1, -1};
     table->set_sortfields(keys);
+    dbrecord query{2};
+    table->set_query(&query);
     NoticeRecorder notices{*table};
     table->free();
     EXPECT_EQ(table->get_num_records() + table->get_num_fields() + table->get_num_params(), 0U);
@@ -389,6 +397,7 @@ TEST(TableRows, FreeKeepsListenersAndFileName) {
     EXPECT_EQ(table->get_filename(), L"name");
     EXPECT_EQ(notices.taken(), "");
     table->add_records(2);
+    EXPECT_EQ(table->match_record(0), -1) << "the query is forgotten";
     table->sort(1, 0);
     table->delete_records(0, 1);
     EXPECT_EQ(notices.taken(), "recordsDeleted {0 }");

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Appends a value as a field of a table file: in quotes, a quote within it doubled, a line feed as
+/// backslash n, carriage returns left out.
+void appendQuotedValue(std::string& line, std::string_view text);

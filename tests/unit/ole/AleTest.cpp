@@ -11,6 +11,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <sstream>
 
 namespace {
 
@@ -72,25 +73,16 @@ protected:
 };
 
 TEST_F(Ale, ColumnsGoToTheirFields) {
+    // clang-format off
     const std::vector<std::pair<const char*, const char*>> names = {
-        {"Tracks", "chans"},
-        {"Start", "start time"},
-        {"End", "end time"},
-        {"Tape", "reel"},
-        {"Note", "notes"},
-        {"Take", "shot"},
-        {"DailyRoll", "lab reel"},
-        {"Labroll", "comp reel"},
-        {"Camroll", "cam reel"},
-        {"Soundroll", "snd reel"},
-        {"Sound TC", "snd start"},
-        {"Film TC", "Start camcode"},
-        {"Ink Number", "start inkcode"},
-        {"KN Start", "start keycode"},
-        {"Shoot Date", "cam_date"},
-        {"TC 24", "start 24p code"},
-        {"Perf", "start perf"},
-        {"SoundFile", "orig soundfile"}};
+        {"Tracks", "chans"}, {"Start", "start time"}, {"End", "end time"}, {"Tape", "reel"},
+        {"Note", "notes"}, {"Take", "shot"}, {"DailyRoll", "lab reel"}, {"Labroll", "comp reel"},
+        {"Camroll", "cam reel"}, {"Soundroll", "snd reel"}, {"Sound TC", "snd start"},
+        {"Film TC", "Start camcode"}, {"Ink Number", "start inkcode"},
+        {"KN Start", "start keycode"}, {"Shoot Date", "cam_date"}, {"TC 24", "start 24p code"},
+        {"Perf", "start perf"}, {"SoundFile", "orig soundfile"}
+    };
+    // clang-format on
     Columns columns = {"first"};
     for (const auto& [column, field] : names) {
         columns.emplace_back(field);
@@ -236,21 +228,16 @@ TEST_F(Ale, ValuesAreJoinedAndTrimmed) {
 }
 
 TEST_F(Ale, FilmFormats) {
+    // clang-format off
     const std::vector<std::pair<const char*, const char*>> formats = {
-        {"FILM_FORMAT>16mm", "F16"},
-        {"FILM_FORMAT>1 6 m m", "F16"},
-        {"FILM_FORMAT>35mm, 3perf", "F353"},
-        {"FILM_FORMAT>35mm (3perf)", "F353"},
-        {"FILM_FORMAT>35MM, 3PERF", "F35"},
-        {"FILM_FORMAT>35mm,4perf", "F35"},
-        {"FILM_FORMAT>>16mm", "F35"},
-        {"FILM_FORMAT 16mm", "F35"},
-        {"FILM_FORMATS>16mm", "F16"},
-        {"FILM_FORMAT>", "F35"},
-        {"FILM_FORMAT>35mm,     3perf", "F353"},
-        {"FILM_FORMAT>35mm,      3perf", "F35"},
-        {" FILM_FORMAT>16mm", ""},
-        {"film_format>16mm", ""}};
+        {"FILM_FORMAT>16mm", "F16"}, {"FILM_FORMAT>1 6 m m", "F16"},
+        {"FILM_FORMAT>35mm, 3perf", "F353"}, {"FILM_FORMAT>35mm (3perf)", "F353"},
+        {"FILM_FORMAT>35MM, 3PERF", "F35"}, {"FILM_FORMAT>35mm,4perf", "F35"},
+        {"FILM_FORMAT>>16mm", "F35"}, {"FILM_FORMAT 16mm", "F35"}, {"FILM_FORMATS>16mm", "F16"},
+        {"FILM_FORMAT>", "F35"}, {"FILM_FORMAT>35mm,     3perf", "F353"},
+        {"FILM_FORMAT>35mm,      3perf", "F35"}, {" FILM_FORMAT>16mm", ""}, {"film_format>16mm", ""}
+    };
+    // clang-format on
     for (const auto& [line, label] : formats) {
         EXPECT_EQ(filmLabel({line}), label) << line;
     }
@@ -267,27 +254,19 @@ TEST_F(Ale, FilmFormats) {
 }
 
 TEST_F(Ale, KeyNumbers) {
+    // clang-format off
     const std::vector<std::pair<const char*, const char*>> numbers = {
-        {"KJ 12 3456 7890+12", "KJ1234567890+12"},
-        {"123-4567+08", "____123-4567+08"},
-        {"KX654321-0000+00", "KX6543210000+00"},
-        {"KX65432-0000+00", "KX65432-0000+00"},
-        {"??", "??"},
-        {"???", "____________???"},
-        {"+123456789012345", "____________+12"},
-        {"1234567890&12345", "__1234567890+12"},
-        {"12345678901234567890", ""},
-        {"1234567890123456", ""},
-        {"1+2+3+4567890123+45", "3+4567890123+45"},
-        {"12345678901234+5", ""},
-        {"1234567890123+56", "234567890123+56"},
-        {"-0003+00", "_______-0003+00"},
-        {"1234567", "________1234567"},
-        {"1234567890123456789012+4", ""},
-        {"AB-CD EF GH IJ KL+123456", "ABCDEFGHIJKL+12"},
-        {"                KX 1+23", "_________KX1+23"},
-        {"   ", ""},
-        {"", ""}};
+        {"KJ 12 3456 7890+12", "KJ1234567890+12"}, {"123-4567+08", "____123-4567+08"},
+        {"KX654321-0000+00", "KX6543210000+00"}, {"KX65432-0000+00", "KX65432-0000+00"},
+        {"??", "??"}, {"???", "____________???"}, {"+123456789012345", "____________+12"},
+        {"1234567890&12345", "__1234567890+12"}, {"12345678901234567890", ""},
+        {"1234567890123456", ""}, {"1+2+3+4567890123+45", "3+4567890123+45"},
+        {"12345678901234+5", ""}, {"1234567890123+56", "234567890123+56"},
+        {"-0003+00", "_______-0003+00"}, {"1234567", "________1234567"},
+        {"1234567890123456789012+4", ""}, {"AB-CD EF GH IJ KL+123456", "ABCDEFGHIJKL+12"},
+        {"                KX 1+23", "_________KX1+23"}, {"   ", ""}, {"", ""}
+    };
+    // clang-format on
     for (const auto& [value, stored] : numbers) {
         EXPECT_EQ(keyNumber(value), stored) << value;
     }
@@ -414,126 +393,60 @@ TEST_F(Ale, RealLogs) {
     struct Case {
         const char* file;
         unsigned rows;
-        int row; // -1: the last
-        std::vector<std::pair<const char*, const char*>> cells;
+        bool first;
+        const char* cells;
     };
+    // clang-format off
     const Case cases[] = {
-        {"wide-129-columns.ale",
-         4,
-         0,
-         {{"Name", "test_017056"},
-          {"chans", "V"},
-          {"start time", "01:00:00:00"},
-          {"end time", "01:00:04:03"},
-          {"reel", ""}}},
-        {"wide-129-columns.ale", 4, -1, {{"Name", "Something"}, {"end time", "01:00:04:06"}}},
-        {"one-line-heading-crlf.ale",
-         2,
-         0,
-         {{"Name", "19A-1xa"},
-          {"chans", "VA1"},
-          {"start time", "04:00:00:00"},
-          {"end time", "04:00:46:16"},
-          {"reel", "3NY004"},
-          {"shot", "1xa"},
-          {"start keycode", "KX6543210000+00"},
-          {"Start camcode", "13:18:25:14"},
-          {"start 24p code", "04:00:00:00"},
-          {"comp reel", "A007C001_140720_R2E4"},
-          {"cam reel", "XA007"},
-          {"cam_date", "07/21/14"}}},
-        {"custom-raster.ale",
-         1,
-         0,
-         {{"Name", "A118_C029_1102JR"},
-          {"start time", "14:40:02:11"},
-          {"end time", "14:42:22:23"},
-          {"reel", ""},
-          {"chans", ""}}},
-        {"pal-cdl.ale",
-         4,
-         0,
-         {{"Name", "A005_C010_0501J0"},
-          {"chans", "V"},
-          {"start time", "17:49:33:01"},
-          {"end time", "17:49:35:10"},
-          {"reel", "A005_C010_0501J0"},
-          {"cam_date", "20190501"},
-          {"film label_std", "F35"}}},
-        {"dailies-245-columns.ale",
-         6,
-         0,
-         {{"Name", "469C-4-1"},
-          {"chans", "VA1A2A3A4"},
-          {"start time", "19:42:28:17"},
-          {"end time", "19:44:13:04"},
-          {"reel", "A_0076C001_230511_184122_h1CTJ"},
-          {"shot", "1"},
-          {"comp reel", "A_0076_1CTJ_hde"},
-          {"snd reel", "20230511_DAY019_MU"},
-          {"snd start", "19:42:28:17"},
-          {"start 24p code", "19:42:28:17"}}},
-        {"dailies-245-columns.ale", 6, -1, {{"Name", "469C-4-6"}, {"chans", "VA1A2A3A4A5"}}},
-        {"film-24p-ntsc.ale",
-         5,
-         0,
-         {{"Name", "01"},
-          {"chans", "VA1A2"},
-          {"start time", "01:00:00:00"},
-          {"end time", "01:10:00:00"},
-          {"reel", "253"},
-          {"start keycode", "_______-0003+00"},
-          {"start perf", "3"},
-          {"start 24p code", "01:00:00:00"},
-          {"film label_std", "F35"}}},
-        {"film-24p-ntsc.ale",
-         5,
-         -1,
-         {{"Name", "253"},
-          {"chans", "VA1A2A3A4"},
-          {"start time", "00:00:00:00"},
-          {"end time", "23:59:59:29"}}},
-        {"minimal-ntsc.ale",
-         1,
-         0,
-         {{"Name", "CU Josh & Mary"},
-          {"chans", "V"},
-          {"start time", "01:00:00:00"},
-          {"end time", "01:15:05:00"},
-          {"reel", ""}}},
-        {"scene-take-rolls.ale",
-         28,
-         0,
-         {{"Name", "101B-1a"},
-          {"chans", "VA1A2A3A4A5"},
-          {"start time", "13:06:31:23"},
-          {"end time", "13:07:32:10"},
-          {"reel", "A120C001_111215_R22A"},
-          {"shot", "01"},
-          {"cam reel", "A120"},
-          {"snd reel", "19-A"},
-          {"cam_date", "2011-12-15"},
-          {"film label_std", "F35"}}},
-        {"scene-take-rolls.ale",
-         28,
-         -1,
-         {{"Name", "101D-6b"}, {"cam reel", "B096"}, {"reel", "B096C015_111215_R1XE"}}},
-        {"blank-lines.ale", 0, 0, {}},
-        {"cr-only.ale", 0, 0, {}},
+        {"wide-129-columns.ale", 4, true, "Name=test_017056|chans=V|start time=01:00:00:00|"
+         "end time=01:00:04:03|reel="},
+        {"wide-129-columns.ale", 4, false, "Name=Something|end time=01:00:04:06"},
+        {"one-line-heading-crlf.ale", 2, true, "Name=19A-1xa|chans=VA1|start time=04:00:00:00|"
+         "end time=04:00:46:16|reel=3NY004|shot=1xa|start keycode=KX6543210000+00|"
+         "Start camcode=13:18:25:14|start 24p code=04:00:00:00|comp reel=A007C001_140720_R2E4|"
+         "cam reel=XA007|cam_date=07/21/14"},
+        {"custom-raster.ale", 1, true, "Name=A118_C029_1102JR|start time=14:40:02:11|"
+         "end time=14:42:22:23|reel=|chans="},
+        {"pal-cdl.ale", 4, true, "Name=A005_C010_0501J0|chans=V|start time=17:49:33:01|"
+         "end time=17:49:35:10|reel=A005_C010_0501J0|cam_date=20190501|film label_std=F35"},
+        {"dailies-245-columns.ale", 6, true, "Name=469C-4-1|chans=VA1A2A3A4|"
+         "start time=19:42:28:17|end time=19:44:13:04|reel=A_0076C001_230511_184122_h1CTJ|shot=1|"
+         "comp reel=A_0076_1CTJ_hde|snd reel=20230511_DAY019_MU|snd start=19:42:28:17|"
+         "start 24p code=19:42:28:17"},
+        {"dailies-245-columns.ale", 6, false, "Name=469C-4-6|chans=VA1A2A3A4A5"},
+        {"film-24p-ntsc.ale", 5, true, "Name=01|chans=VA1A2|start time=01:00:00:00|"
+         "end time=01:10:00:00|reel=253|start keycode=_______-0003+00|start perf=3|"
+         "start 24p code=01:00:00:00|film label_std=F35"},
+        {"film-24p-ntsc.ale", 5, false, "Name=253|chans=VA1A2A3A4|start time=00:00:00:00|"
+         "end time=23:59:59:29"},
+        {"minimal-ntsc.ale", 1, true, "Name=CU Josh & Mary|chans=V|start time=01:00:00:00|"
+         "end time=01:15:05:00|reel="},
+        {"scene-take-rolls.ale", 28, true, "Name=101B-1a|chans=VA1A2A3A4A5|"
+         "start time=13:06:31:23|end time=13:07:32:10|reel=A120C001_111215_R22A|shot=01|"
+         "cam reel=A120|snd reel=19-A|cam_date=2011-12-15|film label_std=F35"},
+        {"scene-take-rolls.ale", 28, false, "Name=101D-6b|cam reel=B096|reel=B096C015_111215_R1XE"},
+        {"blank-lines.ale", 0, true, ""}, {"cr-only.ale", 0, true, ""},
     };
+    // clang-format on
+    Columns columns;
+    std::istringstream fields{
+        "Name|chans|start time|end time|reel|shot|notes|lab reel|comp reel|cam reel|snd reel|"
+        "snd start|Start camcode|start inkcode|start keycode|cam_date|start 24p code|start perf|"
+        "orig soundfile|film label_std"};
+    for (std::string field; std::getline(fields, field, '|');) {
+        columns.emplace_back(field, DBFieldTypes::TEXT);
+    }
     for (const Case& c : cases) {
         SCOPED_TRACE(c.file);
-        const auto table = makeTable(
-            {"Name",     "chans",          "start time",    "end time",       "reel",
-             "shot",     "notes",          "lab reel",      "comp reel",      "cam reel",
-             "snd reel", "snd start",      "Start camcode", "start inkcode",  "start keycode",
-             "cam_date", "start 24p code", "start perf",    "orig soundfile", "film label_std"});
+        const auto table = makeTable(columns);
         const auto path = std::filesystem::path{logs} / c.file;
         EXPECT_EQ(ALE::fillODB(*table, pathFromBytes(path.string())), c.rows != 0);
         ASSERT_EQ(table->get_num_records(), c.rows);
-        const unsigned row = c.row < 0 ? c.rows - 1 : 0;
-        for (const auto& [field, value] : c.cells) {
-            EXPECT_STREQ(table->get_field(row, field), value) << field;
+        std::istringstream cells{c.cells};
+        for (std::string cell; std::getline(cells, cell, '|');) {
+            const std::string field = cell.substr(0, cell.find('='));
+            const char* const value = table->get_field(c.first ? 0 : c.rows - 1, field.c_str());
+            EXPECT_EQ(field + "=" + value, cell);
         }
     }
 }

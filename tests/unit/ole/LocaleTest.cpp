@@ -75,9 +75,7 @@ TEST_P(LocaleTest, ChangesNoResult) {
     EXPECT_EQ(results(), plain);
 }
 
-INSTANTIATE_TEST_SUITE_P(Names, LocaleTest,
-                         testing::Values("", "C.UTF-8", "de_DE.UTF-8", "de_DE.ISO-8859-1",
-                                         "tr_TR.UTF-8"));
+INSTANTIATE_TEST_SUITE_P(Names, LocaleTest, testing::Values("", "de_DE.UTF-8", "de_DE.ISO-8859-1"));
 
 /// The locale of the C++ library may have a decimal comma and groups of thousands, too.
 TEST(LocaleOfStreams, ChangesNoResult) {

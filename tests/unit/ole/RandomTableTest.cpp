@@ -17,32 +17,16 @@ public:
 
     void step() {
         using Step = void (Sequence::*)();
-        static constexpr Step steps[] = {&Sequence::addRows,
-                                         &Sequence::addRows,
-                                         &Sequence::insertRows,
-                                         &Sequence::deleteRows,
-                                         &Sequence::deleteTagged,
-                                         &Sequence::setTag,
-                                         &Sequence::setTag,
-                                         &Sequence::setTag,
-                                         &Sequence::invertTags,
-                                         &Sequence::setAllTags,
-                                         &Sequence::show,
-                                         &Sequence::show,
-                                         &Sequence::setValue,
-                                         &Sequence::setValue,
-                                         &Sequence::setCookie,
-                                         &Sequence::setCookie,
-                                         &Sequence::writeCookieText,
-                                         &Sequence::askCookies,
-                                         &Sequence::askCookies,
-                                         &Sequence::sort,
-                                         &Sequence::tagMatches,
-                                         &Sequence::copyRecord,
-                                         &Sequence::appendTable,
-                                         &Sequence::batch,
-                                         &Sequence::insertRows,
-                                         &Sequence::find};
+        // clang-format off
+        static constexpr Step steps[] = {
+            &Sequence::addRows, &Sequence::addRows, &Sequence::insertRows, &Sequence::insertRows,
+            &Sequence::deleteRows, &Sequence::deleteTagged, &Sequence::setTag, &Sequence::setTag,
+            &Sequence::setTag, &Sequence::invertTags, &Sequence::setAllTags, &Sequence::show,
+            &Sequence::show, &Sequence::setValue, &Sequence::setValue, &Sequence::setCookie,
+            &Sequence::setCookie, &Sequence::writeCookieText, &Sequence::askCookies,
+            &Sequence::askCookies, &Sequence::sort, &Sequence::tagMatches, &Sequence::copyRecord,
+            &Sequence::appendTable, &Sequence::batch, &Sequence::find};
+        // clang-format on
         (this->*random_.pick(steps))();
         compare();
     }

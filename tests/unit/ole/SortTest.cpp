@@ -27,32 +27,12 @@ int compared(Compare compare, const oledb& table, unsigned a, unsigned b) {
     return sign(compare(&first, &second));
 }
 
-const Texts values = {"",
-                      " ",
-                      "\t\v",
-                      "a",
-                      "A",
-                      " a",
-                      "b",
-                      "ab",
-                      "aab",
-                      "aB",
-                      "2",
-                      "10",
-                      "02",
-                      "x2",
-                      "x10",
-                      "X2",
-                      "10:00:00:05",
-                      "10:00:00;05",
-                      "10:00:00:06",
-                      "10:00:00",
-                      "10:00:0",
-                      " 10:00:00;05x",
-                      "\xA0"
-                      "a",
-                      "\xE9",
-                      "z"};
+// clang-format off
+const Texts values = {
+    "", " ", "\t\v", "a", "A", " a", "b", "ab", "aab", "aB", "2", "10", "02", "x2", "x10", "X2",
+    "10:00:00:05", "10:00:00;05", "10:00:00:06", "10:00:00", "10:00:0", " 10:00:00;05x", "\xA0" "a",
+    "\xE9", "z"};
+// clang-format on
 
 struct Setting {
     const char* what;
@@ -238,6 +218,11 @@ TEST(Sort, OnlyTheLastTimecodeKeyIgnoresTheMark) {
     keys[1] = -1;
     table->sortPrepare(1, 0);
     EXPECT_EQ(compared(dbr_cmp, *table, 0, 1), 0);
+    int cut[] = {0, 99, 1, 98, -1};
+    table->set_sortfields(cut);
+    table->sortPrepare(1, 0);
+    EXPECT_EQ(std::vector<int>(cut, cut + 5), (std::vector<int>{0, -1, 1, -1, -1}));
+    EXPECT_NE(compared(dbr_cmp, *table, 0, 1), 0) << "the last one may stand behind the cut";
 }
 
 TEST(Sort, TheTablePreparedLastSetsTheKeysForAll) {

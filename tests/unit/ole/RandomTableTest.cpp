@@ -1,5 +1,6 @@
 // Long random sequences of operations on a table and on plain vectors: rows, tags, shown rows,
-// numbers, cookies, capacity and notices agree after every step.
+// numbers, cookies, capacity and notices agree after every step. Half of the tables have no
+// listener, for which deletions may take another way.
 
 #include "ole/oledb/oledb.h"
 #include "support/NoticeRecorder.h"
@@ -13,7 +14,12 @@ namespace {
 
 class Sequence {
 public:
-    explicit Sequence(Random& random) : random_{random} { table_->set_query(&query_); }
+    explicit Sequence(Random& random) : random_{random}, heard_{random.oneIn(2)} {
+        table_->set_query(&query_);
+        if (heard_) {
+            notices_.watch(*table_);
+        }
+    }
 
     void step() {
         using Step = void (Sequence::*)();
@@ -182,7 +188,7 @@ private:
     }
 
     void compare() {
-        ASSERT_EQ(notices_.taken(), model_.notices);
+        ASSERT_EQ(notices_.taken(), heard_ ? model_.notices : "");
         model_.notices.clear();
         ASSERT_EQ(table_->get_num_records(), model_.count());
         ASSERT_EQ(table_->get_capacity(), model_.capacity);
@@ -203,10 +209,11 @@ private:
     }
 
     Random& random_;
+    const bool heard_;
     TableModel model_;
     dbrecord query_{2};
     std::unique_ptr<oledb> table_ = makeTable({"id", "cookie"});
-    NoticeRecorder notices_{*table_};
+    NoticeRecorder notices_;
 };
 
 TEST(RandomTable, AgreesWithPlainVectors) {

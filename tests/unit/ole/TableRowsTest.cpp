@@ -112,13 +112,21 @@ TEST(TableRows, TaggedRowsGoRunByRun) {
         {"", "", {}},
     };
     for (const Case& c : cases) {
-        const std::string tags = c.tags;
-        const auto table = numberedTable(static_cast<unsigned>(tags.size()));
-        setTags(*table, tags);
-        NoticeRecorder notices{*table};
-        EXPECT_EQ(table->delete_tagged_records(), static_cast<int>(tags.size() - c.left.size()));
-        EXPECT_EQ(notices.taken(), c.notices) << tags;
-        EXPECT_EQ(columnOf(*table, 0), c.left) << tags;
+        for (const bool heard : {true, false}) {
+            SCOPED_TRACE(c.tags + std::string{heard ? " heard" : " unheard"});
+            const std::string tags = c.tags;
+            const auto table = numberedTable(static_cast<unsigned>(tags.size()));
+            setTags(*table, tags);
+            NoticeRecorder notices;
+            if (heard) {
+                notices.watch(*table);
+            }
+            const auto deleted = static_cast<int>(tags.size() - c.left.size());
+            EXPECT_EQ(table->delete_tagged_records(), deleted);
+            EXPECT_EQ(notices.taken(), heard ? c.notices : "");
+            EXPECT_EQ(columnOf(*table, 0), c.left);
+            EXPECT_EQ(table->get_changed(), deleted != 0 ? 1 : 0);
+        }
     }
 }
 

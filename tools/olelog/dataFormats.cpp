@@ -5,7 +5,9 @@
 #include "ole/oledb/oledb.h"
 #include "Output.h"
 #include "shownText.h"
+#include "tableValues.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string>
@@ -13,11 +15,6 @@
 #include <vector>
 
 namespace {
-
-std::string_view valueOf(const oledb& table, unsigned row, unsigned col) {
-    const char* const value = table.get_field(row, static_cast<int>(col));
-    return value ? value : "";
-}
 
 void appendCsvValue(std::string& line, std::string_view value) {
     if (value.find_first_of("\",\r\n") == std::string_view::npos) {
@@ -42,12 +39,8 @@ void endCsvLine(std::string& line, Output& out) {
 }
 
 bool isPlainJson(std::string_view text) {
-    for (const char c : text) {
-        if (c < ' ' || c > '~' || c == '"' || c == '\\') {
-            return false;
-        }
-    }
-    return true;
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; });
 }
 
 std::string jsonText(std::string_view text) {

@@ -8,6 +8,7 @@
 #include "Command.h"
 #include "extraColumns.h"
 #include "files.h"
+#include "importSummary.h"
 #include "LogFile.h"
 #include "messages.h"
 #include "ole/interchange/ALE.h"
@@ -15,6 +16,7 @@
 #include "shownText.h"
 #include "standardFields.h"
 #include "tableFile.h"
+#include "tableValues.h"
 #include "tarn/Cookie.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
@@ -32,9 +34,6 @@
 #include <vector>
 
 namespace {
-
-constexpr std::size_t mostRunsTold = 50;
-constexpr std::size_t mostLinesTold = 20;
 
 struct ImportOptions {
     std::vector<std::string> logs;
@@ -61,55 +60,20 @@ bool usageMakesSense(const ImportOptions& options) {
         sayLine("--append needs a table file, not standard output");
         return false;
     }
-    for (const std::string& log : options.logs) {
-        if (!options.inPlace && log != "-" && options.output != "-" &&
-            isSameFile(log, options.output)) {
-            say("{} is the log and would become the table; --in-place allows that", options.output);
-            return false;
-        }
+    const bool overLog =
+        std::any_of(options.logs.begin(), options.logs.end(), [&](const auto& log) {
+            return log != "-" && options.output != "-" && isSameFile(log, options.output);
+        });
+    if (overLog && !options.inPlace) {
+        say("{} is a log and would become the table; --in-place allows that", options.output);
+        return false;
     }
     return true;
-}
-
-bool isFilled(const oledb& table, unsigned col) {
-    for (unsigned row = 0; row < table.get_num_records(); ++row) {
-        const char* const value = table.get_field(row, static_cast<int>(col));
-        if (value && *value != '\0') {
-            return true;
-        }
-    }
-    return false;
 }
 
 std::unique_ptr<oledb> makeTable(std::vector<DBFieldDesc> fields) {
     fields.emplace_back(); // ends the list
     return std::make_unique<oledb>(fields.data());
-}
-
-/// 3, 5-7: skipped lines in runs, each with its reason.
-std::string describeSkipped(const std::vector<ALE::Report::SkippedLine>& lines,
-                            std::size_t columns) {
-    std::vector<std::string> runs;
-    for (std::size_t i = 0; i < lines.size();) {
-        std::size_t end = i + 1;
-        while (end < lines.size() && lines[end].line == lines[end - 1].line + 1 &&
-               lines[end].reason == lines[i].reason && lines[end].fields == lines[i].fields) {
-            ++end;
-        }
-        const std::string numbers = end - i == 1
-                                        ? std::to_string(lines[i].line)
-                                        : fmt::format("{}-{}", lines[i].line, lines[end - 1].line);
-        const bool refused = lines[i].reason == ALE::Report::SkipReason::TableRefused;
-        runs.push_back(refused ? numbers + " (the table takes no rows)"
-                               : fmt::format("{} ({} values for {})", numbers, lines[i].fields,
-                                             counted(columns, "column name")));
-        i = end;
-    }
-    std::string text;
-    for (std::size_t i = 0; i < std::min(runs.size(), mostRunsTold); ++i) {
-        text += (i == 0 ? "" : ", ") + runs[i];
-    }
-    return runs.size() <= mostRunsTold ? text : text + ", and more";
 }
 
 class ImportJob {
@@ -241,7 +205,7 @@ private:
             const auto col = static_cast<unsigned>(trial.get_fieldnum(field.name.c_str()));
             const bool needed =
                 field.name == "Name" || (options_.identify && field.name == "Cookie");
-            if (needed || isFilled(trial, col)) {
+            if (needed || countFilled(trial, col) != 0) {
                 kept.push_back(field);
             } else {
                 leftOut.emplace_back(field.name.c_str());
@@ -278,7 +242,9 @@ private:
         }
         fillByHand(log, firstRow, report);
         origins_.add(firstRow, log.file.name(), report.rowLines);
-        say("{}: {}", log.file.name(), describe(log, report));
+        say("{}: {}", log.file.name(),
+            summaryOf(log.head, report, droppedColumns(report),
+                      options_.allColumns ? "without room" : "dropped"));
         tellParameters(log, before);
         findings_ = findings_ || !report.skippedLines.empty() || !log.head.shiftedLines.empty() ||
                     !log.head.zeroLines.empty();
@@ -330,38 +296,6 @@ private:
             }
         }
         return dropped;
-    }
-
-    [[nodiscard]] std::string describe(const Log& log, const ALE::Report& report) const {
-        std::string text = counted(report.recordsAdded, "row");
-        if (!report.skippedLines.empty()) {
-            text += fmt::format("; {} skipped: {}", counted(report.skippedLines.size(), "line"),
-                                describeSkipped(report.skippedLines, report.columns.size()));
-        }
-        const std::vector<std::string> dropped = droppedColumns(report);
-        if (!dropped.empty()) {
-            text += fmt::format("; {} {}: {}", counted(dropped.size(), "column"),
-                                options_.allColumns ? "without room" : "dropped", listed(dropped));
-        }
-        for (const auto& shared : report.sharedFields) {
-            std::vector<std::string> columns;
-            for (const LightweightString<char>& column : shared.columns) {
-                columns.emplace_back(column.view());
-            }
-            text += fmt::format("; joined in {}: {}", shared.field.view(), listed(columns));
-        }
-        for (const std::string& odd : log.head.oddLines) {
-            text += "; " + odd;
-        }
-        if (!log.head.shiftedLines.empty()) {
-            text += "; values moved one column to the left by a leading tab in line " +
-                    listed(log.head.shiftedLines, mostLinesTold);
-        }
-        if (!log.head.zeroLines.empty()) {
-            text += "; not taken what stands behind a zero byte in line " +
-                    listed(log.head.zeroLines, mostLinesTold);
-        }
-        return text;
     }
 
     // -- heading parameters

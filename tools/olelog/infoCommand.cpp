@@ -7,6 +7,7 @@
 #include "Output.h"
 #include "shownText.h"
 #include "tableFile.h"
+#include "tableValues.h"
 #include "terminal.h"
 
 #include <algorithm>
@@ -30,15 +31,6 @@ struct ColumnFacts {
     unsigned width;
     unsigned filled; ///< rows that have a value
 };
-
-unsigned countFilled(const oledb& table, unsigned col) {
-    unsigned filled = 0;
-    for (unsigned row = 0; row < table.get_num_records(); ++row) {
-        const char* const value = table.get_field(row, static_cast<int>(col));
-        filled += value && *value != '\0' ? 1 : 0;
-    }
-    return filled;
-}
 
 std::vector<ColumnFacts> columnFacts(oledb& table) {
     std::vector<ColumnFacts> facts;
@@ -93,6 +85,7 @@ void printParameters(Output& out, const oledb& table) {
 
 void printColumns(Output& out, const std::vector<ColumnFacts>& columns) {
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(columns.size());
     for (const ColumnFacts& column : columns) {
         rows.push_back({column.name, column.type, std::to_string(column.width),
                         std::to_string(column.filled)});

@@ -20,6 +20,7 @@ void setModuleSinks(const Tarn::MessageSink& sink) {
 }
 
 constexpr std::size_t progressWidth = 72;
+constexpr std::size_t mostFindingsTold = 20;
 
 /// Whether a line of progress stands on the terminal.
 bool& progressStands() {
@@ -78,4 +79,16 @@ std::string listed(const std::vector<std::string>& names, std::size_t most) {
 
 std::string counted(std::size_t n, std::string_view one, std::string_view many) {
     return fmt::format("{} {}", n, n == 1 ? one : many);
+}
+
+void Findings::tell(std::string_view text) {
+    if (++count_ <= mostFindingsTold) {
+        sayLine(text);
+    }
+}
+
+void Findings::close() const {
+    if (count_ > mostFindingsTold) {
+        say("... and {} more of this kind", count_ - mostFindingsTold);
+    }
 }

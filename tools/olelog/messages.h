@@ -41,3 +41,14 @@ std::string counted(std::size_t n, std::string_view one, std::string_view many);
 inline std::string counted(std::size_t n, std::string_view one) {
     return counted(n, one, std::string{one} + "s");
 }
+
+/// Tells the first findings of a kind, and at the end how many more there were.
+class Findings {
+public:
+    void tell(std::string_view text);
+    void close() const;
+    [[nodiscard]] bool any() const { return count_ != 0; }
+
+private:
+    std::size_t count_ = 0;
+};

@@ -7,6 +7,7 @@
 #include "ole/oledb/oledb.h"
 #include "Output.h"
 #include "tableFile.h"
+#include "tableValues.h"
 #include "tarn/StringFunctions.h"
 #include "terminal.h"
 
@@ -27,11 +28,6 @@ struct ShowOptions {
     bool all = false;
     int width = 0; ///< 0: as the terminal has it
 };
-
-std::string_view valueOf(const oledb& table, std::size_t row, unsigned col) {
-    const char* const value = table.get_field(static_cast<unsigned>(row), static_cast<int>(col));
-    return value ? value : "";
-}
 
 /// Whether a column tells something. The column of the tags holds a 0 in every row that has none.
 bool tellsSomething(oledb& table, unsigned col) {
@@ -76,12 +72,14 @@ std::string printAligned(oledb& table, const ShowOptions& options, Output& out) 
         return fmt::format("no {} to show", table.get_num_records() == 0 ? "rows" : "values");
     }
     std::vector<TableColumn> descriptions;
+    descriptions.reserve(columns.size());
     for (const unsigned col : columns) {
         descriptions.push_back(describe(table, col));
     }
-    AlignedTable aligned{
-        descriptions, table.get_num_records(),
-        [&](std::size_t row, std::size_t col) { return valueOf(table, row, columns[col]); }};
+    AlignedTable aligned{descriptions, table.get_num_records(),
+                         [&](std::size_t row, std::size_t col) {
+                             return valueOf(table, static_cast<unsigned>(row), columns[col]);
+                         }};
     const auto width = widthToUse(options);
     const auto leftOut = width ? aligned.fitInto(*width) : std::vector<std::string>{};
     aligned.print(out, mayStyleOutput());

@@ -1,0 +1,136 @@
+// What of a table a table file does not hold: lines end at 4095 bytes, a first value "OLEDB" is
+// taken for a header, some bytes change.
+
+#include "tableLosses.h"
+
+#include "messages.h"
+#include "ole/oledb/dbrecord.h"
+#include "ole/oledb/oledb.h"
+#include "shownText.h"
+#include "tableValues.h"
+#include "tarn/trimmed.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t longestLine = 4095;
+
+/// Bytes of a row's line in a table file.
+std::size_t lineBytes(const dbrecord& row) {
+    std::size_t bytes = row.nfields() == 0 ? 0 : row.nfields() - std::size_t{1};
+    for (unsigned short i = 0; i < row.nfields(); ++i) {
+        bytes += 2;
+        for (const char c : row.getField(i).view()) {
+            const bool takesTwo = c == '"' || c == '\n';
+            bytes += c == '\r' ? 0U : takesTwo ? 2U : 1U;
+        }
+    }
+    return bytes;
+}
+
+std::string whyUnsavable(const dbrecord& row) {
+    const std::size_t bytes = lineBytes(row);
+    if (bytes > longestLine) {
+        return fmt::format("the row needs a line of {} bytes, and a table file's lines end at {}; "
+                           "shorten its values or import fewer columns",
+                           bytes, longestLine);
+    }
+    if (Tarn::trimmed(row.getField(0).view()) == "OLEDB") {
+        return "the row's first value is \"OLEDB\", which in a table file begins a header; change "
+               "that value";
+    }
+    return {};
+}
+
+/// What the format does to a value; a line feed would otherwise be printed like a backslash and n.
+std::string_view whatHappens(std::string_view before, std::string_view after) {
+    const auto lineFeeds = [](std::string_view text) {
+        return std::count(text.begin(), text.end(), '\n');
+    };
+    if (lineFeeds(after) > lineFeeds(before)) {
+        return " (backslash and n become a line feed)";
+    }
+    if (before.find('\r') != std::string_view::npos) {
+        return " (carriage returns are dropped)";
+    }
+    return Tarn::trimmed(before) == after ? " (blanks at the ends are dropped)" : "";
+}
+
+std::string change(std::string_view before, std::string_view after) {
+    return fmt::format("{} comes back from a table file as {}{}", inQuotes(before), inQuotes(after),
+                       whatHappens(before, after));
+}
+
+void tellChangedParameters(const oledb& saved, const oledb& loaded, Findings& findings) {
+    for (unsigned i = 0; i < saved.get_num_params(); ++i) {
+        const std::string_view name = saved.get_param_name(i);
+        const char* const value = loaded.get_param_val(saved.get_param_name(i));
+        if (!value) {
+            findings.tell(fmt::format("parameter {}: gets lost in a table file", inQuotes(name)));
+        } else if (std::string_view{value} != saved.get_param_val(saved.get_param_name(i))) {
+            findings.tell(fmt::format("parameter {}: {}", shown(name),
+                                      change(saved.get_param_val(saved.get_param_name(i)), value)));
+        }
+    }
+}
+
+void tellChangedValues(oledb& saved, const oledb& loaded, const RowOrigins& origins,
+                       Findings& findings) {
+    for (unsigned row = 0; row < saved.get_num_records(); ++row) {
+        for (unsigned col = 0; col < saved.get_num_fields(); ++col) {
+            const std::string_view before = valueOf(saved, row, col);
+            const std::string_view after = valueOf(loaded, row, col);
+            if (before != after) {
+                findings.tell(fmt::format("{}: {}: {}", origins.of(row), saved.get_fieldname(col),
+                                          change(before, after)));
+            }
+        }
+    }
+}
+
+} // namespace
+
+bool tellUnsavableRows(const oledb& table, const RowOrigins& origins) {
+    Findings findings;
+    for (unsigned row = 0; row < table.get_num_records(); ++row) {
+        const std::string why = whyUnsavable(*table.get_record(row));
+        if (!why.empty()) {
+            findings.tell(origins.of(row) + ": " + why);
+        }
+    }
+    findings.close();
+    return findings.any();
+}
+
+std::string whyNotTheSame(oledb& saved, oledb& loaded) {
+    dberror error;
+    if (loaded.get_valid() == 0) {
+        return "it cannot be loaded";
+    }
+    if (loaded.get_num_fields() != saved.get_num_fields()) {
+        return fmt::format("{} of {} columns come back", loaded.get_num_fields(),
+                           saved.get_num_fields());
+    }
+    for (unsigned col = 0; col < saved.get_num_fields(); ++col) {
+        if (std::string_view{saved.get_fieldname(col)} != loaded.get_fieldname(col) ||
+            saved.get_field_type(col) != loaded.get_field_type(col)) {
+            return fmt::format("the column {} comes back as {}", inQuotes(saved.get_fieldname(col)),
+                               inQuotes(loaded.get_fieldname(col)));
+        }
+    }
+    if (loaded.get_num_records() != saved.get_num_records() || loaded.read_error_info(error)) {
+        return fmt::format("{} of {} rows come back", loaded.get_num_records(),
+                           saved.get_num_records());
+    }
+    return {};
+}
+
+bool tellChanges(oledb& saved, oledb& loaded, const RowOrigins& origins) {
+    Findings findings;
+    tellChangedParameters(saved, loaded, findings);
+    tellChangedValues(saved, loaded, origins, findings);
+    findings.close();
+    return findings.any();
+}

@@ -405,6 +405,7 @@ TEST_F(TableFile, SavesThatFailLeaveTheOldFile) {
 
 /// A row that lost values is written short, or as a blank line, and ends the next load.
 TEST_F(TableFile, ShrunkenRowsEndTheNextLoad) {
+    Captured said;
     const auto table = makeTable({"a", "b"}, {{"1", "2"}, {"3", "4"}, {"5", "6"}});
     dbrecord nothing{0};
     dbrecord single{1};

@@ -106,8 +106,16 @@ private:
         return fmt::format("no line{} begins with \"{}\"{}", where, word, nearMiss(word));
     }
 
+    /// Whether carriage returns stand where lines of a log would end.
     [[nodiscard]] bool hasLoneCarriageReturns() const {
-        return std::count(text_.lineView(0).begin(), text_.lineView(0).end(), '\r') > 1;
+        for (unsigned number = 1; number <= text_.numLines(); ++number) {
+            const std::string_view text = text_.lineView(number - 1);
+            if (text.find("\rColumn") != std::string_view::npos ||
+                text.find("\rData") != std::string_view::npos) {
+                return true;
+            }
+        }
+        return false;
     }
 
     [[nodiscard]] std::string nearMiss(std::string_view word) const {

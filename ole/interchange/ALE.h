@@ -13,14 +13,15 @@ class OLE_API ALE {
 public:
     /// What an import did, for callers who tell people.
     struct Report {
-        /// Why no data was taken.
+        /// What kept the log's data from being taken.
         enum class Refusal {
             None,          ///< the log was taken
             Unreadable,    ///< no such file, or it cannot be read
             NoDataLine,    ///< no line begins with "Data"
             NoColumnLine,  ///< no line before the data begins with "Column"
             NoColumnNames, ///< the line behind "Column" is blank, so no value has a name; the
-                           ///< heading's parameters are set all the same
+                           ///< heading's parameters are set all the same, and a line of
+                           ///< one value makes an empty row
         };
         enum class SkipReason {
             TooManyFields, ///< more values than there are column names

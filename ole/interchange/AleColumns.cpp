@@ -16,8 +16,8 @@ namespace {
 
 using ColumnMap = std::map<LightweightString<char>, LightweightString<char>>;
 
-ColumnMap readUserMap() {
-    ColumnMap map;
+/// Adds what the map file holds, if there is one; true once that was tried.
+bool readUserMap(ColumnMap& map) {
     const TextFile file{getPrefsDirectory(iSettings::eUser) + L"ALEFieldMap.txt", true};
     for (unsigned i = 0; i < file.numLines(); ++i) {
         const Tarn::AttribValuePair pair{file[i], "="};
@@ -25,16 +25,12 @@ ColumnMap readUserMap() {
             map.emplace(pair.attribute(), pair.value());
         }
     }
-    return map;
+    return true;
 }
 
 const ColumnMap& userMapOnce() {
     static ColumnMap userMap;
-    static bool loadedUserMapFile = false;
-    if (!loadedUserMapFile) {
-        userMap = readUserMap();
-        loadedUserMapFile = true;
-    }
+    [[maybe_unused]] static const bool loadedUserMapFile = readUserMap(userMap);
     return userMap;
 }
 

@@ -8,6 +8,13 @@
 #include <algorithm>
 #include <new>
 
+namespace {
+
+constexpr std::size_t mostRows =
+    0xFFFFF000; // the capacity, a multiple of the chunk, stays a 32-bit number
+
+} // namespace
+
 RowArray::~RowArray() {
     clear();
 }
@@ -23,32 +30,35 @@ void RowArray::reserve(std::size_t slots) {
 
 void RowArray::makeRoomFor(unsigned rows) {
     const std::size_t needed = std::size_t{count_} + rows;
-    if (needed <= capacity_) {
-        reserve(needed);
-        return;
-    }
-    const std::size_t chunks = (needed - capacity_ + chunk - 1) / chunk;
-    const std::size_t capacity = capacity_ + chunks * chunk;
-    if (capacity > 0xFFFFFFFEU) {
+    if (needed > mostRows) {
         throw std::bad_alloc{};
     }
     reserve(needed);
-    capacity_ = static_cast<unsigned>(capacity);
 }
 
 void RowArray::startChunk() {
     reserve(chunk);
-    capacity_ = std::max(capacity_, chunk);
+    if (capacity_ == 0) {
+        add_chunk();
+    }
+}
+
+void RowArray::raiseCount(unsigned rows) noexcept {
+    count_ += rows;
+    while (capacity_ < count_) {
+        add_chunk();
+    }
 }
 
 void RowArray::append(std::unique_ptr<dbrecord> row) noexcept {
-    rows_[count_++] = row.release();
+    rows_[count_] = row.release();
+    raiseCount(1);
 }
 
 void RowArray::insert(unsigned at, std::vector<std::unique_ptr<dbrecord>>& rows) noexcept {
     std::copy_backward(rows_ + at, rows_ + count_, rows_ + count_ + rows.size());
     std::transform(rows.begin(), rows.end(), rows_ + at, [](auto& row) { return row.release(); });
-    count_ += static_cast<unsigned>(rows.size());
+    raiseCount(static_cast<unsigned>(rows.size()));
 }
 
 void RowArray::remove(unsigned from, unsigned n) noexcept {

@@ -29,9 +29,9 @@ public:
     /// The rows side by side, for sorting; null where none was ever held.
     [[nodiscard]] dbrecord** data() noexcept { return rows_; }
 
-    /// Raises the capacity by whole chunks until `rows` more rows fit, and the array with it.
+    /// Gives the array room for `rows` more rows. The capacity follows when the rows come.
     void makeRoomFor(unsigned rows);
-    /// Sets the capacity of an empty table to one chunk.
+    /// Gives a table that has no capacity yet one chunk of it.
     void startChunk();
     /// Appends a row; there must be room.
     void append(std::unique_ptr<dbrecord> row) noexcept;
@@ -59,6 +59,8 @@ public:
 
 private:
     void reserve(std::size_t slots);
+    void add_chunk() noexcept { capacity_ += chunk; }
+    void raiseCount(unsigned rows) noexcept;
 
     dbrecord** rows_ = nullptr;
     unsigned count_ = 0;

@@ -90,7 +90,10 @@ int dbr_cmp(const void* a, const void* b) {
             return emptyLast(x.empty(),
                              y.empty()); // both empty: further keys are deliberately not asked
         }
-        const int result = *key == timecode_field ? compareTimecodes(x, y) : compareAtOffset(x, y);
+        if (*key == timecode_field) {
+            return compareTimecodes(x, y); // the last word, deliberately, also where they are equal
+        }
+        const int result = compareAtOffset(x, y);
         if (result != 0) {
             return result;
         }

@@ -14,7 +14,8 @@ extern OLE_API int comco;
 
 /// Ascending. Blank rows come last, then rows with an empty key; leading blanks do not count. Two
 /// rows whose key is empty compare equal whatever further keys hold. The last timecode key ignores
-/// the mark before the frames; other keys follow the table's sort offset or the natural order of
+/// the mark before the frames, and deliberately decides alone: keys behind it are not asked, also
+/// where it finds two rows equal. Other keys follow the table's sort offset or the natural order of
 /// texts.
 OLE_API int dbr_cmp(const void* a, const void* b);
 /// Descending: the stored texts ignoring case, reversed, and none of the rules of `dbr_cmp`.

@@ -309,7 +309,8 @@ public:
     /// caller's and must live as long as it is in use; `sortPrepare` writes -1 over columns that do
     /// not exist. Null means the table's own list.
     void set_sortfields(int* cols) override;
-    /// Compares from this character on; from the end where negative.
+    /// Compares from this character on; with a negative offset the last characters, or, where a
+    /// sort is forced to the normal order, the whole text.
     void set_sort_offset(int offset) override;
     /// Makes this table's keys the ones that the comparison functions use, everywhere in the
     /// process.
@@ -356,8 +357,8 @@ public:
     static const char* safePostInc(const char*& p) { return *p ? p++ : p; }
 
     /// Adds a row for every row of another table and fills the columns that both have, timecodes
-    /// converted between their two forms. 0 when no column is shared, else 1. Linear in the rows
-    /// added.
+    /// converted between their two forms, a value that is no timecode becoming "". 0 when no column
+    /// is shared, else 1. Linear in the rows added.
     int merge_all_matching(oledb* other);
 
     /// A table is its own base: returns its argument.

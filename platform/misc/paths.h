@@ -9,7 +9,7 @@ public:
     enum eType : int { eUser = 0 };
 };
 
-/// True for anything that exists at the path: file, folder or device.
+/// True for anything that exists at the path, or where a link there leads to: file, folder, device.
 TARN_API bool fileExists(const LightweightString<wchar_t>& path);
 
 /// The name of a path without its folders and its extension: what follows the last '/' or '\\', up

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tarn/Ascii.h"
 #include "tarn/export.h"
 #include "tarn/LightweightString.h"
 
@@ -29,8 +30,15 @@ public:
 
     /// The invalid cookie: kind 'I', zero UUID, flags 255.
     Cookie() noexcept = default;
-    Cookie(const Uuid& uuid, char kind, std::uint8_t flags) noexcept
-        : uuid_{uuid}, kind_{kind}, flags_{flags} {}
+    /// A kind that is no ASCII letter, or 'I', gives the invalid cookie: every other has text
+    /// forms.
+    Cookie(const Uuid& uuid, char kind, std::uint8_t flags) noexcept {
+        if (Tarn::isLetter(kind) && kind != CookieType::Invalid) {
+            uuid_ = uuid;
+            kind_ = kind;
+            flags_ = flags;
+        }
+    }
     /// Parses a text. White space around it and hyphens are ignored, hex digits of either case are
     /// read. By the number of characters left: 32 the UUID alone, 33 letter and UUID, 34 UUID and
     /// flags, 35 all three. Missing flags are 255. With `stored` the letter is required; without, a

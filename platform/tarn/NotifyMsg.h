@@ -9,7 +9,7 @@
 
 /// A counted value that travels with a message.
 template <class T>
-class WrappedData : public Tarn::Counted {
+class TARN_API WrappedData : public Tarn::Counted {
 public:
     explicit WrappedData(T data) : data_{std::move(data)} {}
     [[nodiscard]] const T& data() const noexcept { return data_; }

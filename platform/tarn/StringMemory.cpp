@@ -37,6 +37,7 @@ struct Chunk {
     int live;
     int given;
     std::size_t used;
+    std::size_t bytes;
 };
 
 std::atomic<std::size_t> held{0};
@@ -56,20 +57,20 @@ void giveToSystem(void* memory, std::size_t bytes) noexcept {
     ::operator delete(memory);
 }
 
-void open(Chunk* chunk) noexcept {
-    *chunk = Chunk{lead, 0, sizeof(Chunk)};
+void open(Chunk* chunk, std::size_t bytes) noexcept {
+    *chunk = Chunk{lead, 0, sizeof(Chunk), bytes};
 }
 
-Chunk* newChunk() {
+Chunk* newChunk(std::size_t bytes) {
     auto* const chunk =
-        static_cast<Chunk*>(::operator new (chunkBytes, std::align_val_t{chunkAlignment}));
-    held.fetch_add(chunkBytes, std::memory_order_relaxed);
-    open(chunk);
+        static_cast<Chunk*>(::operator new (bytes, std::align_val_t{chunkAlignment}));
+    held.fetch_add(bytes, std::memory_order_relaxed);
+    open(chunk, bytes);
     return chunk;
 }
 
 void deleteChunk(Chunk* chunk) noexcept {
-    held.fetch_sub(chunkBytes, std::memory_order_relaxed);
+    held.fetch_sub(chunk->bytes, std::memory_order_relaxed);
     ::operator delete (chunk, std::align_val_t{chunkAlignment});
 }
 
@@ -122,17 +123,23 @@ void followThreadEnd() {
     thread_local const ThreadEnd end;
 }
 
+/// A chunk for one block alone, for strings that are made while the thread's own objects die.
+void* cutAlone(std::size_t bytes) {
+    Chunk* const chunk = newChunk(sizeof(Chunk) + bytes);
+    void* const block = cut(chunk, bytes);
+    leave(chunk);
+    return block;
+}
+
 void* cutFromNext(std::size_t bytes) {
+    if (ended) {
+        return cutAlone(bytes);
+    }
     if (current && allBlocksDied(current)) {
-        open(current);
+        open(current, chunkBytes);
         return cut(current, bytes);
     }
-    Chunk* const next = newChunk();
-    if (ended) { // a chunk for this block alone
-        void* const block = cut(next, bytes);
-        leave(next);
-        return block;
-    }
+    Chunk* const next = newChunk(chunkBytes);
     if (current) {
         leave(current);
     } else {
@@ -147,6 +154,11 @@ void* cutFromCurrent(std::size_t bytes) {
         return cut(current, bytes);
     }
     return cutFromNext(bytes);
+}
+
+bool isLastCut(Chunk* chunk, const void* block, std::size_t bytes) noexcept {
+    return static_cast<const unsigned char*>(block) + bytes ==
+           reinterpret_cast<unsigned char*>(chunk) + chunk->used;
 }
 
 Chunk* chunkOf(void* block) noexcept {
@@ -168,6 +180,12 @@ void release(void* block, std::size_t bytes) noexcept {
         return;
     }
     Chunk* const chunk = chunkOf(block);
+    if (chunk == current && isLastCut(chunk, block, size)) {
+        chunk->used -=
+            size; // most texts that live shortly die in the order opposite to their making
+        --chunk->given;
+        return;
+    }
     if (lower(chunk, 1)) {
         deleteChunk(chunk);
     }

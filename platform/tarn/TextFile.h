@@ -69,7 +69,8 @@ public:
     /// kept: for files too long to hold. Lines appended before are written first and leave memory.
     /// Nothing is visible at `path` until `save` with the same path and style ends the file (a pipe
     /// or a device gets its lines as they come). An empty path means the path given at construction
-    /// or loading. A failure shows in the result of `save`.
+    /// or loading. A failure shows in the result of `save`. Lines that were streamed and not saved
+    /// are dropped by a further call.
     void stream(const LightweightString<wchar_t>& path, eEOLStyle style);
 
     /// Writes all lines, each with its line end, and returns whether that succeeded. An empty path

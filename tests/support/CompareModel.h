@@ -26,6 +26,9 @@ struct CompareModel {
             if (x.empty() || y.empty()) {
                 return x.empty() - y.empty();
             }
+            if (key == timecodeKey) {
+                return oneKey(key, x, y);
+            }
             if (const int result = oneKey(key, x, y)) {
                 return result;
             }

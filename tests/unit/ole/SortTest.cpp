@@ -225,6 +225,16 @@ TEST(Sort, OnlyTheLastTimecodeKeyIgnoresTheMark) {
     EXPECT_NE(compared(dbr_cmp, *table, 0, 1), 0) << "the last one may stand behind the cut";
 }
 
+TEST(Sort, ATimecodeKeyDecidesAlone) {
+    const auto table = makeTable({{"s", DBFieldTypes::TIMECODE}, "name"},
+                                 {{"10:00:00:01", "b"}, {"10:00:00;01", "a"}});
+    int keys[] = {0, 1, -1};
+    table->set_sortfields(keys);
+    table->sortPrepare(1, 0);
+    EXPECT_EQ(compared(dbr_cmp, *table, 0, 1), 0) << "the name is not asked";
+    EXPECT_GT(compared(dbr_backcmp, *table, 0, 1), 0) << "descending has no such rule";
+}
+
 TEST(Sort, TheTablePreparedLastSetsTheKeysForAll) {
     const auto first = makeTable({"a", "b"}, {{"1", "z"}, {"2", "y"}});
     const auto second = makeTable({"a", "b"});

@@ -223,4 +223,17 @@ TEST(LightweightString, MemoryGoesBackWhenTheLastStringDies) {
     EXPECT_LT(Tarn::StringMemory::bytesHeld(), before + 200'000);
 }
 
+TEST(StringMemory, KeptStringsAmongTemporariesPinLittle) {
+    const std::size_t before = Tarn::StringMemory::bytesHeld();
+    std::vector<LightweightString<char>> kept;
+    for (int i = 0; i < 2000; ++i) {
+        for (int k = 0; k < 100; ++k) {
+            const LightweightString<char> shown{"a timecode that was shown for a moment"};
+            EXPECT_FALSE(shown.empty());
+        }
+        kept.emplace_back("kept");
+    }
+    EXPECT_LT(Tarn::StringMemory::bytesHeld(), before + 300'000);
+}
+
 } // namespace

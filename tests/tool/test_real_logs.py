@@ -7,8 +7,7 @@ import pytest
 from olelog import csv_rows, expect, info, messages, run
 
 FOLDER = os.environ.get("OLE_REAL_LOGS")
-if not FOLDER:
-    pytest.skip("OLE_REAL_LOGS names no folder of real logs", allow_module_level=True)
+pytestmark = pytest.mark.skipif(not FOLDER, reason="OLE_REAL_LOGS names no folder of real logs")
 
 # Log, rows, first row's values by field, parameters. Key numbers come in their 15 characters, values
 # without their trailing blanks.

@@ -175,7 +175,8 @@ def test_all_columns_stops_where_the_table_would_not_load(tmp_path, count, lengt
         assert names == ["Name", "Start time", *titles[: len(titles) - len(missing)]]
         assert "left out to make room, as no log fills them: Cookie, Type" in said
     if missing:
-        assert f"{len(missing)} columns without room: {', '.join(missing)}" in said
+        plural = "" if len(missing) == 1 else "s"
+        assert f"{len(missing)} column{plural} without room: {', '.join(missing)}\n" in said
         full = len(names) == 255 or len('","'.join([*names, missing[0]])) + 2 > 4095
         assert full, "a column was left out although there was room"
     assert result.returncode == (1 if missing else 0)

@@ -19,7 +19,10 @@ esac
 
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
-say() { printf '\n%s\n' "$@"; }
+say() {
+  printf '\n'
+  printf '%s\n' "$@"
+}
 
 # Prints a command as a person would type it, then runs it.
 run() {

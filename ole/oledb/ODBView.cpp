@@ -1,0 +1,354 @@
+// Views: life, table and base view, the index, and what a view does when rows are deleted below it;
+// the handle.
+//
+// The index is plain memory and its size follows fixed rules, because tag bytes that earlier
+// entries left in it come back with entries that are added later. Wherever the count exceeds the
+// storage (`sizeIndexFor(0)` keeps the count), the entries in use are those that the storage holds.
+
+#include "ole/oledb/ODBView.h"
+
+#include "misc/diagnostics.h"
+#include "ole/fieldspec/SExpr.h"
+#include "ole/oledb/messageTypes.h"
+#include "ole/oledb/oledb.h"
+#include "ole/oledb/ViewKeepAlive.h"
+#include "tarn/GrowString.h"
+#include "tarn/MethodCallback.h"
+#include "tarn/NotifyMsg.h"
+#include "tarn/NotifyMsgTokenIterator.h"
+
+#include <algorithm>
+#include <climits>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr int smallestIndex = 20;
+
+int signedRow(std::uint32_t row) noexcept {
+    return static_cast<int>(row);
+}
+
+} // namespace
+
+// -- life --
+
+ODBViewRep::ODBViewRep(oledb* table) : ODBViewRep{table, static_cast<const char*>(nullptr)} {}
+
+ODBViewRep::ODBViewRep(oledb* table, const char* spec) {
+    internRevision();
+    odb(table);
+    if (spec) {
+        fieldSpec(spec);
+        return;
+    }
+    GrowString all;
+    identityFieldSpec(all);
+    fieldSpec(all.c_str());
+}
+
+namespace {
+
+LightweightString<char> joined(const char** names) {
+    GrowString text;
+    for (; names && *names; ++names) {
+        text.append(*names).append(',');
+    }
+    return names ? text.string() : LightweightString<char>{};
+}
+
+const char* textOrNull(const LightweightString<char>& text) noexcept {
+    return text.isNull() ? nullptr : text.c_str();
+}
+
+} // namespace
+
+ODBViewRep::ODBViewRep(oledb* table, const char** names)
+    : ODBViewRep{table, textOrNull(joined(names))} {}
+
+ODBViewRep::~ODBViewRep() {
+    odb(nullptr);
+    baseView(nullptr); // stays set where there was no table
+    fieldSpec(nullptr);
+    delete fields;
+}
+
+void ODBViewRep::init() {
+    refs = 0;
+    fieldSpecStr = {};
+    static_cast<void>(index.release());
+    base = nullptr;
+    db = nullptr;
+    numIndex = 0;
+    indexSize = 0;
+    fields = nullptr;
+    condition = nullptr;
+    sortKeys = nullptr;
+    dbGuard.reset();
+    baseGuard.reset();
+    internRevision();
+}
+
+void ODBViewRep::release() noexcept {
+    if (refs == 0 || --refs == 0) {
+        delete this;
+    }
+}
+
+// -- table and base view --
+
+ODBBase* ODBViewRep::source() const noexcept {
+    return base ? static_cast<ODBBase*>(base) : db;
+}
+
+void ODBViewRep::odb(oledb* table) {
+    if (table == db) {
+        return;
+    }
+    baseView(nullptr);
+    clear();
+    dbGuard.reset();
+    retargetReferences(db, table);
+    db = table;
+    if (!table) {
+        return;
+    }
+    filename = table->get_filename();
+    params.clear();
+    addParamsFrom(table);
+    internRevision();
+    dbGuard = table->registerInterest(MethodCallback{this, &ODBViewRep::recordsDeletedNotify},
+                                      recordsDeletedType());
+}
+
+bool ODBViewRep::leadsTo(const ODBViewRep* view) const noexcept {
+    const ODBViewRep* level = this;
+    while (level && level != view) {
+        level = level->base;
+    }
+    return level != nullptr;
+}
+
+void ODBViewRep::leaveBase() {
+    baseGuard.reset();
+    if (ODBViewRep* const old = std::exchange(base, nullptr)) {
+        old->release();
+    }
+}
+
+void ODBViewRep::baseView(ODBViewRep* newBase) {
+    if (newBase == base || (newBase && newBase->leadsTo(this))) {
+        return;
+    }
+    if (newBase) {
+        ++newBase->refs; // first: it may live only through the base view that is left
+    }
+    clear();
+    params.clear();
+    retargetReferences(source(), newBase ? static_cast<ODBBase*>(newBase) : db);
+    leaveBase();
+    base = newBase;
+    if (newBase) {
+        addParamsFrom(newBase);
+        baseGuard = newBase->registerInterest(
+            MethodCallback{this, &ODBViewRep::recordsDeletedNotify}, recordsDeletedType());
+    }
+}
+
+void ODBViewRep::fileName(LightweightString<wchar_t> path) {
+    filename = std::move(path);
+}
+
+void ODBViewRep::internRevision() {
+    const LightweightString<char>* const revision = params.find("OLEDB");
+    if (revision && revision->isNull()) {
+        params.set("OLEDB", "Rev 1");
+    }
+}
+
+void ODBViewRep::addParamsFrom(oledb* other) {
+    for (unsigned i = 0; other && i < other->get_num_params(); ++i) {
+        params.set(other->get_param_name(i), other->get_param_value(i));
+    }
+}
+
+void ODBViewRep::addParamsFrom(ODBViewRep* other) {
+    for (std::size_t i = 0; other && other != this && i < other->params.size(); ++i) {
+        params.set(other->params[i].first, other->params[i].second);
+    }
+}
+
+// -- the index --
+
+int ODBViewRep::held() const noexcept {
+    return std::min(numIndex, indexSize);
+}
+
+int ODBViewRep::clamped(int at) const noexcept {
+    return std::clamp(at, 0, numIndex);
+}
+
+void ODBViewRep::clear() {
+    index.reset();
+    indexSize = 0;
+    numIndex = 0;
+}
+
+void ODBViewRep::sizeIndexFor(int n) {
+    if (n == 0) {
+        index.reset();
+        indexSize = 0;
+        return;
+    }
+    const long long need = std::max(n, smallestIndex);
+    long long capacity = indexSize;
+    if (capacity < need) {
+        capacity = std::min<long long>(std::max(capacity * 2, need), INT_MAX);
+    } else if (need * 2 < capacity) {
+        capacity /= 2;
+    }
+    if (capacity == indexSize) {
+        return;
+    }
+    const auto size = static_cast<std::size_t>(capacity);
+    auto grown = std::make_unique<IndexEntry[]>(size);
+    const long long kept = capacity < numIndex ? need : numIndex;
+    std::copy_n(index.get(), std::min<long long>(kept, indexSize), grown.get());
+    index = std::move(grown);
+    indexSize = static_cast<int>(capacity);
+}
+
+void ODBViewRep::openGap(int at, int n) {
+    IndexEntry* const entries = index.get();
+    std::copy_backward(entries + at, entries + numIndex, entries + numIndex + n);
+}
+
+int ODBViewRep::append(int row) {
+    sizeIndexFor(numIndex + 1);
+    index[static_cast<std::size_t>(numIndex)].row = static_cast<std::uint32_t>(row);
+    return numIndex++;
+}
+
+void ODBViewRep::buildIndex() {
+    numIndex = 0;
+    const ODBBase* const from = source();
+    const int n = from ? static_cast<int>(from->get_num_records()) : 0;
+    for (int i = 0; i < n; ++i) {
+        append(i);
+    }
+}
+
+bool ODBViewRep::satisfiesCondition(dbrecord*) {
+    if (condition) {
+        ole_splat("ODBViewRep::satisfiesCondition, not implemented\n");
+    }
+    return true;
+}
+
+void ODBViewRep::sortIndex() {
+    if (sortKeys) {
+        ole_splat("ODBViewRep::sortIndex(), not implemented!\n");
+    }
+}
+
+dbrecord* ODBViewRep::operator[](int i) const {
+    const ODBBase* const from = source();
+    return from && isPosition(i) ? from->get_record(index[static_cast<std::size_t>(i)].row)
+                                 : nullptr;
+}
+
+int ODBViewRep::sourceRow(int i) const noexcept {
+    return isPosition(i) ? signedRow(index[static_cast<std::size_t>(i)].row) : 0;
+}
+
+int ODBViewRep::baseIndex(int i) {
+    ODBBase* const from = source();
+    return from && isPosition(i) ? from->baseIndex(sourceRow(i)) : 0;
+}
+
+int ODBViewRep::findViewIndexForBaseRow(unsigned long row) const {
+    for (int i = 0; i < held(); ++i) {
+        if (static_cast<unsigned long>(static_cast<long>(sourceRow(i))) == row) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+// -- deletions below --
+
+int ODBViewRep::recordsDeletedNotify(const NotifyMsg& msg) {
+    const KeepAlive alive{*this};
+    std::string collected;
+    int k = 0;
+    for (NotifyMsgTokenIterator token{msg}; token.valid(); ++token, ++k) {
+        dropDeletedRow(static_cast<long long>(token.number()) - k, k, collected);
+    }
+    if (!collected.empty()) {
+        issueNotification(NotifyMsg{LightweightString<char>{std::string_view{collected}}},
+                          recordsDeletedType());
+        issueNotification(NotifyMsg{}, recordsChangedType());
+    }
+    return 0;
+}
+
+/// One deleted row: entries behind it sink by one, entries for it go. Each removal calls listeners,
+/// which may change this view, so nothing of the index is kept across it. The collected numbers are
+/// not the removed positions but lie k - 1 above them: views built on this one rely on hearing
+/// exactly that.
+void ODBViewRep::dropDeletedRow(long long d, int k, std::string& collected) {
+    for (int i = 0; i < held();) {
+        const long long row = sourceRow(i);
+        if (row == d) {
+            remove(i, 1);
+            collected += std::to_string(i + k - 1);
+            collected += ' ';
+            continue;
+        }
+        if (row > d) {
+            --index[static_cast<std::size_t>(i)].row;
+        }
+        ++i;
+    }
+}
+
+// -- the handle --
+
+ODBView::ODBView(ODBViewRep* rep) noexcept : rep_{rep} {
+    if (rep_) {
+        ++rep_->refs;
+    }
+}
+
+ODBView::ODBView(oledb* table) : ODBView{std::make_unique<ODBViewRep>(table).release()} {}
+
+ODBView::ODBView(const ODBView& other) noexcept : ODBView{other.rep_} {}
+
+ODBView::ODBView(ODBView&& other) noexcept : rep_{std::exchange(other.rep_, nullptr)} {}
+
+ODBView& ODBView::operator=(const ODBView& other) noexcept {
+    ODBView copy{other};
+    std::swap(rep_, copy.rep_);
+    return *this;
+}
+
+ODBView& ODBView::operator=(ODBView&& other) noexcept {
+    ODBView taken{std::move(other)};
+    std::swap(rep_, taken.rep_);
+    return *this;
+}
+
+ODBView::~ODBView() {
+    if (rep_) {
+        rep_->release();
+    }
+}
+
+ODBView ODBView::copy() const {
+    return ODBView{rep_ ? rep_->copy() : nullptr};
+}
+
+ODBView ODBView::copyWithNewBaseView() const {
+    return ODBView{rep_ ? rep_->copyWithNewBaseView() : nullptr};
+}

@@ -1,0 +1,371 @@
+#pragma once
+
+#include "ole/ole.h"
+#include "ole/oledb/ODBBase.h"
+#include "tarn/AssocList.h"
+#include "tarn/Guard.h"
+#include "tarn/LightweightString.h"
+#include "tarn/Notifier.h"
+#include "tarn/Ptr.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+class Cookie;
+class CookieSet;
+class GrowString;
+class NotifyMsg;
+class oledb;
+class SExpr;
+class TextFile;
+
+/// A view: an ordered selection of the rows of a table, perhaps seen through another view.
+///
+/// A view holds an index of row numbers into its *source* (the base view where one is set, else the
+/// table), one tag an entry, its own parameters and file name, and a field specification. Row
+/// numbers of the interface are positions in the index. View tags have nothing to do with the
+/// table's tags.
+///
+/// **Life.** Views belong on the heap and in handles (`ODBView`): each handle and each view built
+/// on a view counts in its `refs`, and the last to go deletes it. The table is not counted; it must
+/// outlive the view.
+///
+/// **What differs from a table behind the same operation:**
+/// `delete_tagged_records` takes the tagged entries out of the chain of views, keeps the rows, and
+/// returns 0; `set_show_tags_only` takes out the untagged entries for good; `tag_matching_records`
+/// ignores its argument and clears the tags of what does not match; `get_tag` is 0 out of range;
+/// `get_param_val` is "" for none; `findFirst` ignores its third argument and gives the *table's*
+/// row; `match_record` asks about the source's row of that number; `sort` orders the index;
+/// `insert_records` at the all-ones number inserts at the front; `delete_records` of all-ones rows
+/// does nothing; `tag_all_different` tags one of all-empty values. `get_fieldnum` and `findFirst`
+/// of a view without a source are 0.
+///
+/// **Deletions.** A view hears of rows deleted in its table, and of entries removed from its base
+/// view, while that happens, drops its entries for them and renumbers the others. A view that
+/// stands directly on the table stays right. A view over a view hears of each deletion in the table
+/// several times, numbered differently, and **deliberately loses further entries**: after rows were
+/// deleted in the table, fill it again. What goes through the upper view itself (`removeSome`,
+/// `deleteRecords`) does the same at the levels between.
+///
+/// **Tags of new entries.** Adding an entry writes its row and leaves its tag byte as the storage
+/// held it: clear in fresh storage, stale where entries were removed before. Set tags after filling
+/// a view.
+///
+/// Without a source every operation does nothing and gives 0, false, null, or -1 from `find`. Costs
+/// are in V, the number of entries; each access through a chain adds one step a level.
+class OLE_API ODBViewRep : public ODBBase, public Notifier {
+public:
+    using Predicate = bool (ODBViewRep::*)(int);
+
+    /// A view on a table that shows no rows yet and presents all fields.
+    explicit ODBViewRep(oledb* table);
+    /// The same with a field specification, see `fieldSpec`; null means all fields.
+    ODBViewRep(oledb* table, const char* spec);
+    /// The same with a null-terminated list of field names; null means all fields.
+    ODBViewRep(oledb* table, const char** names);
+    ODBViewRep(oledb* table, std::nullptr_t) : ODBViewRep{table} {}
+    ~ODBViewRep() override;
+
+    /// Sets every default without freeing anything. Only for a view that holds nothing.
+    void init();
+
+    // -- table, base view, index --
+
+    /// Sets the table: drops base view, index and parameters and takes file name and parameters
+    /// from the new one. Nothing happens for the table that is set already.
+    void odb(oledb* table);
+    /// Sets the base view, which is counted, or with null drops it: index and parameters go, the
+    /// parameters of the new base view come. The registration with the table stays. A base view
+    /// that leads back to this view is not taken.
+    void baseView(ODBViewRep* newBase);
+    [[nodiscard]] oledb* table() const noexcept { return db; }
+    [[nodiscard]] ODBViewRep* baseView() const noexcept { return base; }
+    /// The base view, else the table, else null.
+    [[nodiscard]] ODBBase* source() const noexcept;
+    /// Empties the index and frees it, tags included. Tells nobody.
+    void clear();
+    void fileName(LightweightString<wchar_t> path);
+    /// Gives the parameter "OLEDB" its current text where it was set to a null string; any other
+    /// text stays, and where there is none, none is made.
+    void internRevision();
+    /// Copies parameters, replacing those of the same name.
+    void addParamsFrom(oledb* other);
+    void addParamsFrom(ODBViewRep* other);
+    [[nodiscard]] const AssocList& parameters() const noexcept { return params; }
+    /// Shows every row of the source, without a notice. Tags stay as the storage holds them.
+    /// Linear.
+    void buildIndex();
+    /// Makes room for n entries: at least 20, growing to double, and shrinking to half when not
+    /// even half of the room is needed. 0 frees the storage and leaves the count.
+    void sizeIndexFor(int n);
+    /// Appends an entry for a source row and returns its position. Amortised constant.
+    int append(int row);
+    /// The table's record at a position; null out of range.
+    [[nodiscard]] dbrecord* operator[](int i) const;
+    [[nodiscard]] int baseIndex(int i) override;
+    /// The source row of a position; 0 out of range.
+    [[nodiscard]] int sourceRow(int i) const noexcept;
+    /// The first position that shows a source row; -1 for none. Linear.
+    [[nodiscard]] int findViewIndexForBaseRow(unsigned long row) const;
+    [[nodiscard]] int count() const noexcept { return numIndex; }
+    [[nodiscard]] int capacity() const noexcept { return indexSize; }
+    [[nodiscard]] unsigned references() const noexcept { return refs; }
+    /// True: no filter can be set.
+    [[nodiscard]] bool satisfiesCondition(dbrecord* record);
+    /// Does nothing: no order can be set.
+    void sortIndex();
+    /// The listener that is registered with the table and the base view. Returns 0. V steps a
+    /// deleted row.
+    int recordsDeletedNotify(const NotifyMsg& msg);
+
+    // -- tags --
+
+    int tagAll(bool on);
+    int invertAllTags();
+    [[nodiscard]] int countTags() const;
+    /// Whether a position is tagged; false out of range.
+    [[nodiscard]] bool tag(int i);
+    /// Whether a position is untagged; true out of range.
+    [[nodiscard]] bool notTagged(int i);
+    /// Tags the entries that match the source's query and, unless `keep`, takes the tags of the
+    /// others; returns the number of matches.
+    int tagMatches(int keep);
+    /// Tags every entry whose field holds the same text, ignoring case, as the first of its run,
+    /// and returns how many. The view must be in the order of that field. Tags are only set.
+    int tagDuplicatesOrdered(int field);
+    /// Tags every entry but the first of each group of equal values and takes all other tags;
+    /// returns how many. The table's sort key is that field afterwards. V log V comparisons.
+    int tagDuplicates(int field);
+    /// Gives the source's rows the tags of this view's entries. One level only.
+    void tagBaseFromTags();
+    /// A new view over this one that shows its tagged entries; the caller owns it. Null without a
+    /// table.
+    [[nodiscard]] ODBViewRep* newTagSubview();
+    /// Shows all rows, and tags those whose field "Tag" holds a number other than 0.
+    void setupViewTagsFromOledbTagField();
+
+    // -- display: entries are added without a notice --
+
+    /// Inserts entries for n source rows from `row` on before position `at`, which is brought into
+    /// range; returns n, 0 for a negative n. The rows are not checked. Linear in the entries
+    /// behind.
+    int displayRecordsAt(int row, int n, int at);
+    /// Inserts an entry for the first row whose field holds a value; false when there is none. The
+    /// row found is the table's: over a base view it is taken for a position of that view all the
+    /// same.
+    bool displayMatchAt(const char* field, const char* value, int at);
+    /// Inserts the source's tagged rows.
+    void displayTaggedRecordsAt(int at);
+    /// Inserts the rows of cookies, one after the other from `at` on; returns how many were found.
+    int displayRecordsAt(const std::vector<Cookie>& cookies, int at);
+    int displayRecordsAt(const CookieSet& cookies, int at);
+    /// Removes every entry, with notice, and shows every source row. Tags are clear afterwards.
+    void displayAllRecords();
+    /// The same with the tags of the source, where it has a field "Tag".
+    void displayAllRecordsWithBaseTagStatus();
+    /// Adds what another view on the same table shows and this one does not; neither may have a
+    /// base view. Returns how many were added. Linear in both.
+    int displayAllFromAt(ODBViewRep* other, int at);
+    /// The first position that shows a record; -1 for none. Linear.
+    [[nodiscard]] int find(dbrecord* record) const;
+
+    // -- removal: entries go, rows stay; "recordsDeleted" tells the views above --
+
+    /// Takes n entries out. Sends the positions as they were, also for n = 0 on a position in
+    /// range.
+    void remove(int from, int n);
+    /// Takes entries out of the whole chain down to the view that stands on the table.
+    void removeRecordsFromBaseView(int from, int n);
+    /// Takes out, by runs, what a predicate selects; returns how many.
+    int removeSome(Predicate selects);
+    int removeTagged() { return removeSome(&ODBViewRep::tag); }
+    int removeNonTagged() { return removeSome(&ODBViewRep::notTagged); }
+
+    // -- rows of the table --
+
+    /// Inserts n empty rows into the table and entries for them here; returns n. The view is taken
+    /// to be in the source's order: entries before `at` are not renumbered.
+    int insertBlankRecords(int at, int n);
+    /// Deletes the table's rows behind positions; returns how many positions were handled.
+    int deleteRecords(int from, int n);
+    /// Deletes the table's rows behind the tagged positions; returns how many positions were
+    /// handled. Where two positions show one row, a further row goes.
+    int deleteTagged();
+
+    // -- order, copies, files --
+
+    /// Sorts the index by the table's keys; tags travel along, equal entries keep their order.
+    /// Sends nothing. V log V comparisons.
+    void sort(int dirn, int x) override;
+    /// A new view on the same table; the caller owns it. Without a base view it shows what this one
+    /// shows, each row once; over a base view it shows all of that. Tags are copied by position.
+    /// Null without a table.
+    [[nodiscard]] ODBViewRep* copy();
+    /// A new view, the caller's, on a new table, also the caller's (`table`), that holds copies of
+    /// the rows that the table shows. Null without a table.
+    [[nodiscard]] ODBViewRep* copyWithNewBaseView();
+    /// Saves the view as a table file: its parameters, the table's columns, the records shown; a
+    /// field "Tag" holds the view's tags. Returns the position reached, the view's count when
+    /// nothing failed; 0 on failure, and with `noRecords`, which writes the heading alone.
+    int saveAsText(LightweightString<wchar_t> name, bool noRecords);
+    int saveAsText(const char* name, bool noRecords);
+    /// Saves the records whose *table* tag is set, as they are. Returns the position reached, not
+    /// the number saved; 0 on failure. Reports a failed check on standard output, and works.
+    int saveOnlyTagged(LightweightString<wchar_t> name);
+    int saveOnlyTagged(const char* name);
+
+    // -- field specification --
+
+    /// Appends the names of all fields of the source, separated by commas.
+    void identityFieldSpec(GrowString& out) const;
+    /// The number of the first field with exactly this name; -1 for none.
+    [[nodiscard]] int dbFieldIndex(const char* name) const;
+    /// Stores a text of field names separated by commas or tabs, and adds a reference for each to
+    /// the parsed list; unknown names are warned about on the console. A further call deliberately
+    /// puts the new references before the old ones and reverses the whole list. Null drops the text
+    /// and leaves the list.
+    void fieldSpec(const char* spec);
+    /// The text, null for none.
+    [[nodiscard]] const char* fieldSpecText() const noexcept;
+    /// The parsed list, owned by the view; null when empty.
+    [[nodiscard]] const SExpr* fieldList() const noexcept { return fields; }
+    /// Appends the text and the parsed list, a line each.
+    void asString(GrowString& out) const;
+
+    // -- the interface of tables; see above for what differs --
+
+    int save_text() override;
+    int save_tags() override;
+    int insert_records(unsigned at, unsigned n) override;
+    int delete_records(unsigned from, unsigned n) override;
+    int delete_tagged_records() override;
+    [[nodiscard]] unsigned get_num_records() const override;
+    [[nodiscard]] unsigned get_num_fields() const override;
+    [[nodiscard]] dbrecord* get_record(unsigned i) const override;
+    [[nodiscard]] dbrecord* make_dummy_record() override;
+    /// The field number is taken as 16 bits: 65536 reads field 0.
+    [[nodiscard]] const char* get_field(unsigned i, int f) const override;
+    [[nodiscard]] const char* get_field(unsigned i, const char* name) const override;
+    [[nodiscard]] const char* get_fieldname(unsigned f) override;
+    [[nodiscard]] unsigned get_fieldsize(unsigned f) override;
+    [[nodiscard]] DBFieldTypes::eType get_field_type(unsigned f) override;
+    int set_fieldtype(unsigned f, DBFieldTypes::eType type) override;
+    [[nodiscard]] DBFieldTypes::eType get_fieldtype(unsigned f) override;
+    [[nodiscard]] int get_fieldnum(const char* name) const override;
+    int set_fieldname(unsigned f, const char* name) override;
+    void set_filename(LightweightString<wchar_t> path) override;
+    [[nodiscard]] LightweightString<wchar_t> get_filename() override;
+    void set_sortfield(int f) override;
+    void set_sortfields(int* list) override;
+    void set_sort_offset(int offset) override;
+    int set_tag(unsigned i, int v) override;
+    int invert_tag(unsigned i) override;
+    int set_all_tags(int v) override;
+    int invert_all_tags() override;
+    int set_show_tags_only(int) override;
+    [[nodiscard]] int get_show_tags_only() override;
+    [[nodiscard]] int get_tag(unsigned i) override;
+    [[nodiscard]] int get_num_tags() override;
+    int set_query(dbrecord* query) override;
+    int tag_matching_records(int) override;
+    int tag_all_different(int field) override;
+    using ODBBase::set_field;
+    int set_field(unsigned r, const Cookie& cookie) override;
+    int set_field(unsigned r, unsigned f, const char* text) override;
+    int set_field(unsigned r, unsigned f, int number) override;
+    int set_field(unsigned r, unsigned f, double seconds) override;
+    int set_field(unsigned r, unsigned f, bool flag) override;
+    int in_field(unsigned r, unsigned f, char* buf, int size) override;
+    int in_field(unsigned r, unsigned f, int& number) override;
+    int in_field(unsigned r, unsigned f, double& number) override;
+    int in_field(unsigned r, unsigned f, bool& flag) override;
+    int add_records(int n) override;
+    int add_param(const char* name, const char* value) override;
+    int set_param_val(const char* name, const char* value) override;
+    [[nodiscard]] const char* get_param_val(const char* name) const override;
+    [[nodiscard]] int findFirst(const char* a, const char* b, int start) override;
+    void sortPrepare(int dir, int force) override;
+    [[nodiscard]] int match_record(int r) const override;
+    [[nodiscard]] int get_valid() const override;
+
+private:
+    friend class ODBView;
+
+    /// One position: plain data, moved as memory.
+    struct IndexEntry {
+        std::uint32_t row = 0; // compared as signed
+        std::uint8_t tag = 0;
+    };
+    class KeepAlive;
+
+    [[nodiscard]] int held() const noexcept;
+    [[nodiscard]] bool isPosition(int i) const noexcept { return i >= 0 && i < held(); }
+    [[nodiscard]] int clamped(int at) const noexcept;
+    void openGap(int at, int n);
+    [[nodiscard]] int runLength(int from, int k) const noexcept;
+    void leaveBase();
+    void retargetReferences(const ODBBase* from, ODBBase* to);
+    void release() noexcept;
+    void copyTagsTo(ODBViewRep& other) const;
+    void dropDeletedRow(long long d, int k, std::string& collected);
+    void writeHeading(TextFile& file) const;
+    void sortEntries();
+    [[nodiscard]] bool leadsTo(const ODBViewRep* view) const noexcept;
+    template <class Tag>
+    void tagFromSourceRows(Tag tagOf);
+
+    unsigned refs = 0;
+    ODBViewRep* base = nullptr;
+    oledb* db = nullptr;
+    int numIndex = 0;
+    int indexSize = 0;
+    std::unique_ptr<IndexEntry[]> index;
+    LightweightString<char> fieldSpecStr;
+    LightweightString<wchar_t> filename;
+    AssocList params;
+    SExpr* fields = nullptr;
+    const void* condition = nullptr; // always null: rows are not filtered
+    const void* sortKeys = nullptr;  // always null: the index has no order of its own
+    Tarn::Ptr<Tarn::Guard> dbGuard;
+    Tarn::Ptr<Tarn::Guard> baseGuard;
+
+    friend OLE_API int odbViewSortFn(const void* a, const void* b);
+};
+
+/// Compares two index entries of the view that is being sorted, with the signature of `qsort`: the
+/// records' order by `dbr_cmp`, or `dbr_backcmp` when descending; equal where a record is missing
+/// or no view is being sorted.
+OLE_API int odbViewSortFn(const void* a, const void* b);
+
+/// A counted handle on a view. Copies count; the last handle or view built on it deletes it. The
+/// table is not kept alive.
+class OLE_API ODBView {
+public:
+    /// An empty handle.
+    ODBView() noexcept = default;
+    ODBView(std::nullptr_t) noexcept {}
+    /// Counts a view, which is then owned by its handles.
+    explicit ODBView(ODBViewRep* rep) noexcept;
+    /// A handle on a new view on a table; it shows no rows yet.
+    explicit ODBView(oledb* table);
+    ODBView(const ODBView& other) noexcept;
+    ODBView(ODBView&& other) noexcept;
+    ODBView& operator=(const ODBView& other) noexcept;
+    ODBView& operator=(ODBView&& other) noexcept;
+    ~ODBView();
+
+    [[nodiscard]] ODBViewRep* rep() const noexcept { return rep_; }
+    ODBViewRep* operator->() const noexcept { return rep_; }
+    ODBViewRep& operator*() const noexcept { return *rep_; }
+    explicit operator bool() const noexcept { return rep_ != nullptr; }
+
+    /// A handle on a copy, see `ODBViewRep::copy`; empty for an empty handle.
+    [[nodiscard]] ODBView copy() const;
+    [[nodiscard]] ODBView copyWithNewBaseView() const;
+
+private:
+    ODBViewRep* rep_ = nullptr;
+};

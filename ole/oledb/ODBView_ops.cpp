@@ -1,0 +1,442 @@
+// What views do with their entries: tags, display, removal, and the insertion and deletion of table
+// rows.
+//
+// Removal and deletion call listeners, which may change this view or take its last handle: counts
+// and rows are asked for anew after each call, and the view is kept alive until the operation ends.
+
+#include "ole/oledb/LifeSupport.h"
+#include "ole/oledb/messageTypes.h"
+#include "ole/oledb/ODBView.h"
+#include "ole/oledb/oledb.h"
+#include "ole/oledb/ViewKeepAlive.h"
+#include "tarn/Cookie.h"
+#include "tarn/CookieSet.h"
+#include "tarn/NotifyMsg.h"
+#include "tarn/numbers.h"
+#include "tarn/StringFunctions.h"
+
+#include <algorithm>
+#include <climits>
+#include <memory>
+#include <string>
+#include <unordered_set>
+
+namespace {
+
+LightweightString<char> positions(int from, int n) {
+    std::string text;
+    for (int k = 0; k < n; ++k) {
+        text += std::to_string(from + k);
+        text += ' ';
+    }
+    return LightweightString<char>{std::string_view{text}};
+}
+
+/// The position behind `shown` entries that begin at `at`, which may be any number.
+int behind(int at, int shown) {
+    return at > INT_MAX - shown ? INT_MAX : at + shown;
+}
+
+} // namespace
+
+// -- tags --
+
+int ODBViewRep::tagAll(bool on) {
+    if (!source()) {
+        return 0;
+    }
+    std::for_each_n(index.get(), held(), [on](IndexEntry& entry) { entry.tag = on ? 1 : 0; });
+    return numIndex;
+}
+
+int ODBViewRep::invertAllTags() {
+    if (!source()) {
+        return 0;
+    }
+    std::for_each_n(index.get(), held(),
+                    [](IndexEntry& entry) { entry.tag = entry.tag == 0 ? 1 : 0; });
+    return numIndex;
+}
+
+int ODBViewRep::countTags() const {
+    const int n = source() ? held() : 0;
+    return static_cast<int>(std::count_if(index.get(), index.get() + n,
+                                          [](const IndexEntry& entry) { return entry.tag != 0; }));
+}
+
+bool ODBViewRep::tag(int i) {
+    return isPosition(i) && index[static_cast<std::size_t>(i)].tag != 0;
+}
+
+bool ODBViewRep::notTagged(int i) {
+    return !tag(i);
+}
+
+int ODBViewRep::tagMatches(int keep) {
+    ODBBase* const from = source();
+    int matches = 0;
+    for (int i = 0; from && i < held(); ++i) {
+        if (from->match_record(sourceRow(i)) != 0) {
+            set_tag(static_cast<unsigned>(i), 1);
+            ++matches;
+        } else if (keep == 0) {
+            set_tag(static_cast<unsigned>(i), 0);
+        }
+    }
+    return matches;
+}
+
+int ODBViewRep::tagDuplicatesOrdered(int field) {
+    int last = 0;
+    int duplicates = 0;
+    for (int i = 1; i < numIndex; ++i) {
+        const char* const first = get_field(static_cast<unsigned>(last), field);
+        if (compareIgnoringCase(first, get_field(static_cast<unsigned>(i), field)) == 0) {
+            set_tag(static_cast<unsigned>(i), 1);
+            ++duplicates;
+        } else {
+            last = i;
+        }
+    }
+    return duplicates;
+}
+
+int ODBViewRep::tagDuplicates(int field) {
+    if (!source()) {
+        return 0;
+    }
+    ++refs; // the temporary view counts this one and gives its count back; nobody else need hold it
+    int duplicates = 0;
+    {
+        ODBViewRep ordered{db, fieldSpecText()};
+        ordered.baseView(this);
+        ordered.displayAllRecords();
+        ordered.set_sortfield(field);
+        ordered.sort(1, 0);
+        duplicates = ordered.tagDuplicatesOrdered(field);
+        ordered.tagBaseFromTags();
+    }
+    --refs;
+    return duplicates;
+}
+
+void ODBViewRep::tagBaseFromTags() {
+    ODBBase* const from = source();
+    for (int i = 0; from && i < held(); ++i) {
+        from->set_tag(static_cast<unsigned>(sourceRow(i)), tag(i) ? 1 : 0);
+    }
+}
+
+ODBViewRep* ODBViewRep::newTagSubview() {
+    if (!db) {
+        return nullptr;
+    }
+    auto view = std::make_unique<ODBViewRep>(db, fieldSpecText());
+    view->baseView(this);
+    view->displayTaggedRecordsAt(0);
+    return view.release();
+}
+
+/// Gives each position the tag of the source row of that number, where the source has a field
+/// "Tag".
+template <class Tag>
+void ODBViewRep::tagFromSourceRows(Tag tagOf) {
+    ODBBase* const from = source();
+    const int col = from ? from->get_fieldnum("Tag") : -1;
+    for (unsigned i = 0; col >= 0 && i < from->get_num_records(); ++i) {
+        set_tag(i, tagOf(*from, i, col) ? 1 : 0);
+    }
+}
+
+void ODBViewRep::setupViewTagsFromOledbTagField() {
+    displayAllRecords();
+    tagFromSourceRows([](ODBBase& from, unsigned row, int col) {
+        return Tarn::parseInt(from.get_field(row, col)) != 0;
+    });
+}
+
+void ODBViewRep::displayAllRecordsWithBaseTagStatus() {
+    displayAllRecords();
+    tagFromSourceRows([](ODBBase& from, unsigned row, int) { return from.get_tag(row) != 0; });
+}
+
+// -- display --
+
+int ODBViewRep::displayRecordsAt(int row, int n, int at) {
+    if (n < 0 || n > INT_MAX - numIndex) {
+        return 0;
+    }
+    const int first = clamped(at);
+    sizeIndexFor(numIndex + n);
+    openGap(first, n);
+    auto shown = static_cast<std::uint32_t>(row);
+    std::for_each_n(index.get() + first, n, [&shown](IndexEntry& entry) { entry.row = shown++; });
+    numIndex += n;
+    return n;
+}
+
+bool ODBViewRep::displayMatchAt(const char* field, const char* value, int at) {
+    ODBBase* const from = source();
+    const int row = from ? from->findFirst(field, value, 0) : -1;
+    if (row < 0) {
+        return false;
+    }
+    displayRecordsAt(row, 1, at);
+    return true;
+}
+
+void ODBViewRep::displayTaggedRecordsAt(int at) {
+    ODBBase* const from = source();
+    if (!from) {
+        return;
+    }
+    const int n = from->get_num_tags();
+    const int first = clamped(at);
+    sizeIndexFor(numIndex + n);
+    openGap(first, n);
+    IndexEntry* next = index.get() + first;
+    const IndexEntry* const end = next + n;
+    for (unsigned i = 0; next < end && i < from->get_num_records(); ++i) {
+        if (from->get_tag(i) != 0) {
+            (next++)->row = i;
+        }
+    }
+    numIndex += n;
+}
+
+int ODBViewRep::displayRecordsAt(const std::vector<Cookie>& cookies, int at) {
+    const LifeSupport alive;
+    int shown = 0;
+    for (const Cookie& cookie : cookies) {
+        if (displayMatchAt("Cookie", cookie.asString(false).c_str(), behind(at, shown))) {
+            ++shown;
+        }
+    }
+    return shown;
+}
+
+int ODBViewRep::displayRecordsAt(const CookieSet& cookies, int at) {
+    return displayRecordsAt(std::vector<Cookie>(cookies.begin(), cookies.end()), at);
+}
+
+void ODBViewRep::displayAllRecords() {
+    const KeepAlive alive{*this};
+    if (source()) {
+        remove(0, numIndex);
+    }
+    if (ODBBase* const from = source()) {
+        displayRecordsAt(0, static_cast<int>(from->get_num_records()), 0);
+    }
+}
+
+int ODBViewRep::displayAllFromAt(ODBViewRep* other, int at) {
+    if (base || !db || !other || other->base || other->db != db) {
+        return 0;
+    }
+    std::unordered_set<const dbrecord*> shown;
+    for (int i = 0; i < numIndex; ++i) {
+        shown.insert((*this)[i]);
+    }
+    int added = 0;
+    for (int i = 0; i < other->numIndex; ++i) {
+        const dbrecord* const record = (*other)[i];
+        if (record && shown.insert(record).second) {
+            added += displayRecordsAt(other->baseIndex(i), 1, behind(at, added));
+        }
+    }
+    return added;
+}
+
+int ODBViewRep::find(dbrecord* record) const {
+    for (int i = 0; record && i < held(); ++i) {
+        if ((*this)[i] == record) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+// -- removal --
+
+void ODBViewRep::remove(int from, int n) {
+    if (from < 0 || from >= numIndex || n < 0) {
+        return;
+    }
+    const int removed = std::min(n, numIndex - from);
+    IndexEntry* const entries = index.get();
+    if (from + removed < held()) {
+        std::copy(entries + from + removed, entries + held(), entries + from);
+    }
+    sizeIndexFor(numIndex - removed);
+    numIndex -= removed;
+    issueNotification(NotifyMsg{positions(from, removed)}, recordsDeletedType());
+}
+
+/// How many entries from `from` on show consecutive source rows. The bound deliberately compares
+/// the position with the count: from 0 runs are found in full, from later positions fewer entries
+/// are looked at, or none.
+int ODBViewRep::runLength(int from, int k) const noexcept {
+    int length = 1;
+    for (int j = from; j < k - 1 && j + 1 < held(); ++j) {
+        const auto at = static_cast<std::size_t>(j);
+        if (index[at].row + 1 != index[at + 1].row) {
+            break;
+        }
+        ++length;
+    }
+    return length;
+}
+
+void ODBViewRep::removeRecordsFromBaseView(int from, int n) {
+    const KeepAlive alive{*this};
+    for (int left = n; from >= 0 && source();) {
+        const int k = std::min(left, numIndex - from);
+        if (k < 1) {
+            return;
+        }
+        if (!base) {
+            remove(from, k);
+            return;
+        }
+        if (!isPosition(from)) { // counted, but without storage
+            return;
+        }
+        const int run = runLength(from, k);
+        base->removeRecordsFromBaseView(sourceRow(from), run);
+        if (k <= run) {
+            return;
+        }
+        left = k - run;
+    }
+}
+
+int ODBViewRep::removeSome(Predicate selects) {
+    const KeepAlive alive{*this};
+    int start = -1;
+    int removed = 0;
+    int i = 0;
+    for (; i < numIndex; ++i) {
+        if ((this->*selects)(i)) {
+            start = start < 0 ? i : start;
+        } else if (start >= 0) {
+            removeRecordsFromBaseView(start, i - start);
+            removed += i - start;
+            i = start;
+            start = -1;
+        }
+    }
+    if (start >= 0) {
+        removeRecordsFromBaseView(start, i - start);
+        removed += i - start;
+    }
+    return removed;
+}
+
+// -- rows of the table --
+
+int ODBViewRep::insertBlankRecords(int at, int n) {
+    ODBBase* const from = source();
+    if (!from || n < 0 || n > INT_MAX - numIndex) {
+        return 0;
+    }
+    const int p = clamped(at);
+    auto first = static_cast<std::uint32_t>(sourceRow(p));
+    if (p == numIndex) {
+        first = from->get_num_records();
+        from->add_records(n);
+    } else {
+        from->insert_records(first, static_cast<unsigned>(n));
+    }
+    const auto shift = static_cast<std::uint32_t>(n);
+    sizeIndexFor(numIndex + n);
+    openGap(p, n);
+    numIndex += n;
+    for (int i = p; i < numIndex; ++i) {
+        std::uint32_t& row = index[static_cast<std::size_t>(i)].row;
+        row = i < p + n ? first + static_cast<std::uint32_t>(i - p) : row + shift;
+    }
+    return n;
+}
+
+int ODBViewRep::deleteRecords(int from, int n) {
+    const KeepAlive alive{*this};
+    int handled = 0;
+    for (int left = n; from >= 0;) {
+        ODBBase* const rows = source();
+        const int k = std::min(left, numIndex - from);
+        if (k < 1 || !rows || !isPosition(from)) { // also one counted, but without storage
+            return handled;
+        }
+        const int run = runLength(from, k);
+        rows->delete_records(static_cast<unsigned>(sourceRow(from)), static_cast<unsigned>(run));
+        handled += run;
+        if (k <= run) {
+            return handled;
+        }
+        left = k - run;
+    }
+    return handled;
+}
+
+int ODBViewRep::deleteTagged() {
+    const KeepAlive alive{*this};
+    int start = -1;
+    int deleted = 0;
+    int i = 0;
+    for (; i < numIndex; ++i) {
+        if (tag(i)) {
+            start = start < 0 ? i : start;
+        } else if (start >= 0) {
+            deleteRecords(start, i - start);
+            deleted += i - start;
+            i = start;
+            start = -1;
+        }
+    }
+    if (start >= 0) {
+        deleteRecords(start, i - start);
+        deleted += i - start;
+    }
+    return deleted;
+}
+
+// -- copies --
+
+void ODBViewRep::copyTagsTo(ODBViewRep& other) const {
+    for (int i = 0; i < held(); ++i) {
+        other.set_tag(static_cast<unsigned>(i), index[static_cast<std::size_t>(i)].tag);
+    }
+}
+
+ODBViewRep* ODBViewRep::copy() {
+    if (!db) {
+        return nullptr;
+    }
+    auto view = std::make_unique<ODBViewRep>(db, fieldSpecText());
+    if (base) {
+        view->baseView(base);
+        view->displayAllRecords();
+    } else {
+        view->displayAllFromAt(this, 0);
+        view->addParamsFrom(db);
+    }
+    copyTagsTo(*view);
+    return view.release();
+}
+
+ODBViewRep* ODBViewRep::copyWithNewBaseView() {
+    if (!db) {
+        return nullptr;
+    }
+    auto table = std::make_unique<oledb>(*db, 1);
+    auto view = std::make_unique<ODBViewRep>(table.get());
+    for (int i = 0; i < numIndex; ++i) {
+        if ((*this)[i]) {
+            view->displayRecordsAt(baseIndex(i), 1, i);
+        }
+    }
+    view->addParamsFrom(this);
+    copyTagsTo(*view);
+    static_cast<void>(table.release()); // the caller's, through the view
+    return view.release();
+}

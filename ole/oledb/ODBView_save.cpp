@@ -1,0 +1,80 @@
+// Views as table files: the view's parameters, its table's columns, the records it shows.
+
+#include "misc/diagnostics.h"
+#include "ole/oledb/ODBView.h"
+#include "ole/oledb/oledb.h"
+#include "tarn/StringFunctions.h"
+#include "tarn/TextFile.h"
+
+#include <string>
+
+namespace {
+
+constexpr auto lineEnds = TextFile::eEOLStyleCRLF;
+
+} // namespace
+
+void ODBViewRep::writeHeading(TextFile& file) const {
+    std::string line;
+    for (std::size_t i = 0; i < params.size(); ++i) {
+        line = '"';
+        line += params[i].first.view();
+        line += ':';
+        line += params[i].second.view();
+        line += '"';
+        file.appendLine(line);
+    }
+    if (db) {
+        db->save_column_header(file, false);
+    }
+}
+
+int ODBViewRep::saveAsText(LightweightString<wchar_t> name, bool noRecords) {
+    if (!source() || name.empty()) {
+        return 0;
+    }
+    TextFile file;
+    file.stream(name, lineEnds);
+    writeHeading(file);
+    const int tagCol = get_fieldnum("Tag");
+    int reached = 0;
+    for (; !noRecords && reached < held(); ++reached) {
+        const dbrecord* const record = (*this)[reached];
+        if (!record) {
+            break;
+        }
+        dbrecord written{*record};
+        written.set_field(tagCol, tag(reached) ? "1" : "0", true);
+        written.write(file);
+    }
+    return file.save(name, lineEnds) ? reached : 0;
+}
+
+int ODBViewRep::saveAsText(const char* name, bool noRecords) {
+    return saveAsText(Tarn::WStringFromAscii(name), noRecords);
+}
+
+int ODBViewRep::saveOnlyTagged(LightweightString<wchar_t> name) {
+    if (!source() || name.empty()) {
+        return 0;
+    }
+    Tarn::reportFailedCheck("false", "ole/oledb/ODBView line 1043");
+    TextFile file;
+    file.stream(name, lineEnds);
+    writeHeading(file);
+    int reached = 0;
+    for (; reached < held(); ++reached) {
+        const dbrecord* const record = (*this)[reached];
+        if (!record) {
+            break;
+        }
+        if (record->tag() != 0) {
+            record->write(file);
+        }
+    }
+    return file.save(name, lineEnds) ? reached : 0;
+}
+
+int ODBViewRep::saveOnlyTagged(const char* name) {
+    return saveOnlyTagged(Tarn::WStringFromAscii(name));
+}

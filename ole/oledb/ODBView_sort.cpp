@@ -1,0 +1,76 @@
+// The order of a view: its index sorted by the records that the entries show.
+//
+// The comparison has the signature of `qsort` and so finds view and direction in this file: one
+// view sort at a time in the process. An entry without a record equals every other, which is no
+// consistent order; the sort is safe with that.
+
+#include "ole/oledb/dbsort.h"
+#include "ole/oledb/LifeSupport.h"
+#include "ole/oledb/ODBView.h"
+#include "ole/oledb/oledb.h"
+#include "ole/oledb/StableSort.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace {
+
+int sortDirection = 0;
+ODBViewRep* sortedView = nullptr;
+
+/// Names the view that the comparison is for, as long as it lives.
+class Sorting {
+public:
+    explicit Sorting(ODBViewRep& view) noexcept { sortedView = &view; }
+    Sorting(const Sorting&) = delete;
+    Sorting& operator=(const Sorting&) = delete;
+    ~Sorting() { sortedView = nullptr; }
+};
+
+int compareRecords(dbrecord* a, dbrecord* b) {
+    if (!a || !b) {
+        return 0;
+    }
+    return sortDirection >= 0 ? dbr_cmp(&a, &b) : dbr_backcmp(&a, &b);
+}
+
+} // namespace
+
+int odbViewSortFn(const void* a, const void* b) {
+    const ODBBase* const from = sortedView ? sortedView->source() : nullptr;
+    if (!from) {
+        return 0;
+    }
+    const auto& first = *static_cast<const ODBViewRep::IndexEntry*>(a);
+    const auto& second = *static_cast<const ODBViewRep::IndexEntry*>(b);
+    return compareRecords(from->get_record(first.row), from->get_record(second.row));
+}
+
+void ODBViewRep::sort(int dirn, int x) {
+    const LifeSupport alive;
+    if (ODBBase* const from = source()) {
+        sortDirection = dirn;
+        from->sortPrepare(dirn, x);
+        const Sorting sorting{*this};
+        sortEntries();
+    }
+}
+
+/// Each record is looked up once, not once a comparison.
+void ODBViewRep::sortEntries() {
+    struct Shown {
+        IndexEntry entry;
+        dbrecord* record = nullptr;
+    };
+    const auto n = static_cast<std::size_t>(held());
+    std::vector<Shown> shown(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        shown[i] = {index[i], (*this)[static_cast<int>(i)]};
+    }
+    stableSort(shown.data(), n, [](const Shown& a, const Shown& b) {
+        return compareRecords(a.record, b.record) < 0;
+    });
+    std::transform(shown.begin(), shown.end(), index.get(),
+                   [](const Shown& item) { return item.entry; });
+}

@@ -2,7 +2,6 @@
 
 #include "tarn/LightweightString.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
@@ -32,38 +31,16 @@ TEST(LightweightString, NullAndEmptyDifferInIsNullAlone) {
     const String empty{""};
     EXPECT_TRUE(null.isNull());
     EXPECT_TRUE(String{static_cast<const char*>(nullptr)}.isNull());
+    EXPECT_TRUE(null.toLower().isNull());
+    EXPECT_TRUE(String(null).isNull());
     EXPECT_FALSE(empty.isNull());
     EXPECT_FALSE(String{std::string_view{}}.isNull());
+    EXPECT_FALSE(empty.toLower().isNull());
     EXPECT_STREQ(null.c_str(), "");
     EXPECT_EQ(null, empty);
-    EXPECT_EQ(null, "");
     EXPECT_EQ(null, static_cast<const char*>(nullptr));
-    EXPECT_FALSE(null < empty || empty < null);
-    EXPECT_TRUE(null.empty() && empty.empty());
-    EXPECT_TRUE(null.toLower().isNull());
-    EXPECT_FALSE(empty.toLower().isNull());
     EXPECT_EQ(null[0], '\0');
     EXPECT_EQ(null + "x", "x");
-    EXPECT_TRUE(String(null).isNull());
-}
-
-TEST(LightweightString, AddressStaysWhileAVectorGrowsAndCopiesDie) {
-    std::vector<String> values;
-    std::vector<const char*> addresses;
-    for (int i = 0; i < 2000; ++i) {
-        values.emplace_back(std::to_string(i).c_str());
-        addresses.push_back(values.back().c_str());
-    }
-    {
-        const std::vector<String> copies{values};
-        EXPECT_EQ(copies[7].c_str(), addresses[7]); // shared
-        values.insert(values.begin() + 1000, String{"between"});
-    }
-    values.erase(values.begin() + 1000);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        ASSERT_EQ(values[i].c_str(), addresses[i]);
-        ASSERT_EQ(values[i].view(), std::to_string(i));
-    }
 }
 
 TEST(LightweightString, ACopyDoesNotSeeChangesOfTheOther) {
@@ -71,13 +48,13 @@ TEST(LightweightString, ACopyDoesNotSeeChangesOfTheOther) {
     const String b{a};
     a.trimTrailingSpaces();
     a += "A";
-    a.appendDecimal(-20);
-    EXPECT_EQ(a, "Scene 1A-20");
+    a.appendDecimal(std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(a, "Scene 1A-9223372036854775808");
     EXPECT_EQ(b, "Scene 1  ");
     const String& same = a;
     a = same;
     a = std::move(a += a);
-    EXPECT_EQ(a, "Scene 1A-20Scene 1A-20");
+    EXPECT_EQ(a, "Scene 1A-9223372036854775808Scene 1A-9223372036854775808");
 }
 
 TEST(LightweightString, TextsEndAtTheirFirstZero) {
@@ -88,68 +65,28 @@ TEST(LightweightString, TextsEndAtTheirFirstZero) {
     EXPECT_TRUE(String(std::string_view{"\0a", 2}).empty());
 }
 
-TEST(LightweightString, OrderIsByUnsignedBytes) {
-    EXPECT_LT(String{"z"}, String{"\xc3\xa9"});
-    EXPECT_LT(String{"Z"}, String{"a"});
-    EXPECT_LT(String{"a"}, String{"ab"});
-    EXPECT_NE(String{"a"}, String{"A"});
-}
-
-TEST(LightweightString, PartsOfATextAreClipped) {
-    const String text{"Heading\tX"};
-    EXPECT_EQ(text.substr(8, 100), "X");
-    EXPECT_EQ(text.substr(9), "");
-    EXPECT_EQ(text.substr(1000, String::npos), "");
-    EXPECT_EQ(text.substr(0, 3), "Hea");
-    EXPECT_EQ(text.find('\t'), 7U);
-    EXPECT_EQ(text.find('\t', 8), String::npos);
-    EXPECT_EQ(text.find('H', 1000), String::npos);
-    EXPECT_EQ(text[8], 'X');
-    EXPECT_EQ(text[9], '\0');
-}
-
 TEST(LightweightString, StartsAndEnds) {
     const String text{"Column"};
-    EXPECT_TRUE(text.startsWith("Col"));
-    EXPECT_FALSE(text.startsWith("col"));
     EXPECT_TRUE(text.startsWith("COL", false));
     EXPECT_FALSE(text.startsWith("Columns", false));
-    EXPECT_FALSE(String{}.startsWith("C"));
     EXPECT_TRUE(Wide{L"project.SG"}.endsWith(L"sg", false));
-    EXPECT_FALSE(Wide{L"project.SG"}.endsWith(L"sg"));
     EXPECT_FALSE(Wide{L"g"}.endsWith(L"sg", false));
     EXPECT_FALSE(String{"["}.startsWith("{", false)); // neighbours of the letters do not fold
 }
 
-TEST(LightweightString, BlanksGoFromTheEndAlone) {
-    String text{" a\t  "};
-    text.trimTrailingSpaces();
-    EXPECT_EQ(text, " a\t");
-    String blanks{"   "};
-    blanks.trimTrailingSpaces();
-    EXPECT_EQ(blanks, "");
-    EXPECT_EQ(String{"\xc3\x89"
-                     "AZ[@"}
-                  .toLower(),
-              "\xc3\x89"
-              "az[@");
+TEST(LightweightString, PartsAndCase) {
+    const String text{"Heading\tX"};
+    EXPECT_EQ(text.substr(8, 100), "X");
+    EXPECT_EQ(text.substr(1000, String::npos), "");
+    EXPECT_EQ(text.find('\t', 8), String::npos);
+    EXPECT_EQ(text.find('H', 1000), String::npos);
+    EXPECT_EQ(text[9], '\0');
+    EXPECT_EQ(String{"\xc3\x89 AZ[@"}.toLower(), "\xc3\x89 az[@");
+    EXPECT_LT(String{"z"}, String{"\xc3\xa9"});
+    EXPECT_LT(String{"Z"}, String{"a"});
 }
 
-TEST(LightweightString, DecimalNumbers) {
-    for (const std::int64_t number :
-         {std::int64_t{0}, std::int64_t{-1}, std::int64_t{1234567890123},
-          std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
-        String text{"n"};
-        text.appendDecimal(number);
-        EXPECT_EQ(text.view(), "n" + std::to_string(number));
-        Wide wide;
-        wide.appendDecimal(number);
-        EXPECT_EQ(wide.view(), std::to_wstring(number));
-    }
-}
-
-// A random run of makes, copies, changes and drops against plain texts.
-TEST(LightweightString, ManyStringsOfAllLengthsAgreeWithPlainTexts) {
+TEST(LightweightString, RandomMakesCopiesAndDropsAgreeWithPlainTexts) {
     std::mt19937 random{17};
     std::vector<String> strings(200);
     std::vector<std::string> plain(200);
@@ -176,9 +113,6 @@ TEST(LightweightString, ManyStringsOfAllLengthsAgreeWithPlainTexts) {
         }
         ASSERT_EQ(strings[from].view(), plain[from]);
     }
-    for (std::size_t i = 0; i < strings.size(); ++i) {
-        ASSERT_EQ(strings[i].view(), plain[i]);
-    }
 }
 
 TEST(LightweightString, StringsMayBeDroppedOnAnotherThread) {
@@ -197,30 +131,6 @@ TEST(LightweightString, StringsMayBeDroppedOnAnotherThread) {
         EXPECT_EQ(copies[5], "take 5");
         EXPECT_EQ(copies[count - 1].view(), "take " + std::to_string(count - 1));
     }
-}
-
-TEST(LightweightString, StringsOfAThreadOutliveIt) {
-    std::vector<String> made;
-    std::thread{[&] {
-        for (int i = 0; i < 5000; ++i) {
-            made.emplace_back(std::to_string(i).c_str());
-        }
-    }}.join();
-    for (int i = 0; i < 5000; ++i) {
-        ASSERT_EQ(made[static_cast<std::size_t>(i)].view(), std::to_string(i));
-    }
-}
-
-TEST(LightweightString, MemoryGoesBackWhenTheLastStringDies) {
-    const std::size_t before = Tarn::StringMemory::bytesHeld();
-    {
-        std::vector<String> strings;
-        for (int i = 0; i < 100'000; ++i) {
-            strings.emplace_back("some take of some scene");
-        }
-        EXPECT_GT(Tarn::StringMemory::bytesHeld(), before + 2'000'000);
-    }
-    EXPECT_LT(Tarn::StringMemory::bytesHeld(), before + 200'000);
 }
 
 TEST(StringMemory, KeptStringsAmongTemporariesPinLittle) {

@@ -11,28 +11,21 @@
 
 namespace {
 
-std::wstring stripped(const wchar_t* path) {
-    return stripPathAndExt(path).c_str();
-}
-
 std::string prefs() {
     return pathToBytes(getPrefsDirectory(iSettings::eUser)).c_str();
 }
 
 TEST(Paths, NameWithoutFoldersAndExtension) {
-    EXPECT_EQ(stripped(L"/a/b/name.odb"), L"name");
-    EXPECT_EQ(stripped(L"C:\\a\\name.odb"), L"name");
-    EXPECT_EQ(stripped(L"a\\b/c\\d/name"), L"name");
-    EXPECT_EQ(stripped(L"a.b/name"), L"name") << "the dot belongs to a folder";
-    EXPECT_EQ(stripped(L"name.tar.gz"), L"name.tar");
-    EXPECT_EQ(stripped(L"name."), L"name");
-    EXPECT_EQ(stripped(L"x/.hidden"), L".hidden");
-    EXPECT_EQ(stripped(L"x/.hidden.odb"), L".hidden");
-    EXPECT_EQ(stripped(L"x/..odb"), L".");
-    EXPECT_EQ(stripped(L"folder/"), L"");
-    EXPECT_EQ(stripped(L""), L"");
-    EXPECT_EQ(stripped(nullptr), L"");
-    EXPECT_EQ(stripped(L"\u65e5\u672c.odb"), L"\u65e5\u672c");
+    // clang-format off
+    const std::pair<const wchar_t*, const wchar_t*> cases[] = {
+        {L"/a/b/name.odb", L"name"}, {L"C:\\a\\name.odb", L"name"}, {L"a\\b/c\\d/name", L"name"},
+        {L"a.b/name", L"name"}, {L"name.tar.gz", L"name.tar"}, {L"name.", L"name"},
+        {L"x/.hidden", L".hidden"}, {L"x/.hidden.odb", L".hidden"}, {L"x/..odb", L"."},
+        {L"folder/", L""}, {L"", L""}, {nullptr, L""}, {L"\u65e5\u672c.odb", L"\u65e5\u672c"}};
+    // clang-format on
+    for (const auto& [path, name] : cases) {
+        EXPECT_EQ(stripPathAndExt(path), name) << name;
+    }
 }
 
 TEST(Paths, FileExistsForWhateverIsThere) {
@@ -49,23 +42,25 @@ TEST(Paths, FileExistsForWhateverIsThere) {
 }
 
 TEST(Paths, PreferencesFolderEndsInASeparator) {
-    EnvironmentVariable own{"OLE_PREFS_DIR", "/prefs"};
-    EnvironmentVariable configured{"XDG_CONFIG_HOME", "/xdg"};
+    EnvironmentVariable own{"OLE_PREFS_DIR", nullptr};
+    EnvironmentVariable configured{"XDG_CONFIG_HOME", nullptr};
     EnvironmentVariable home{"HOME", "/home/me"};
-    EXPECT_EQ(prefs(), "/prefs/");
-    own.set("/prefs/");
-    EXPECT_EQ(prefs(), "/prefs/");
-    own.set("relative \xff");
-    EXPECT_EQ(prefs(), "relative \xff/");
-    own.set("");
-    EXPECT_EQ(prefs(), "/xdg/ole/");
-    own.set(nullptr);
-    configured.set("/xdg/");
-    EXPECT_EQ(prefs(), "/xdg/ole/");
-    configured.set("not/absolute");
-    EXPECT_EQ(prefs(), "/home/me/.config/ole/");
-    configured.set(nullptr);
-    EXPECT_EQ(prefs(), "/home/me/.config/ole/");
+    struct Case {
+        const char* own;
+        const char* configured;
+        const char* folder;
+    };
+    const Case cases[] = {{"/prefs", "/xdg", "/prefs/"},
+                          {"/prefs/", "/xdg", "/prefs/"},
+                          {"relative \xff", "/xdg", "relative \xff/"},
+                          {"", "/xdg/", "/xdg/ole/"},
+                          {nullptr, "not/absolute", "/home/me/.config/ole/"},
+                          {nullptr, nullptr, "/home/me/.config/ole/"}};
+    for (const Case& c : cases) {
+        own.set(c.own);
+        configured.set(c.configured);
+        EXPECT_EQ(prefs(), c.folder);
+    }
     home.set(nullptr);
     const std::string listed = prefs();
     EXPECT_TRUE(listed.ends_with("/.config/ole/") || listed == "./") << listed;

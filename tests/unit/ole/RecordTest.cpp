@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <type_traits>
 
@@ -66,49 +65,35 @@ TEST(Record, LeadingBlanksGoTrailingOnesStay) {
 }
 
 TEST(Record, EmptyTextKeepsANullSlotNull) {
-    dbrecord record{2};
     for (const char* const empty : {"   ", "", static_cast<const char*>(nullptr)}) {
-        dbrecord fresh{1};
-        EXPECT_EQ(fresh.set_field(0, empty, true), 1);
-        EXPECT_TRUE(fresh.getField(0).isNull());
-        EXPECT_EQ(fresh.changed(), 1);
+        dbrecord record{1};
+        EXPECT_EQ(record.set_field(0, empty, true), 1);
+        EXPECT_TRUE(record.getField(0).isNull());
+        EXPECT_EQ(record.changed(), 1);
+        record.set_field(0, "x", true);
+        record.set_field(0, empty, true);
+        EXPECT_FALSE(record.getField(0).isNull());
+        EXPECT_EQ(record.is_blank(), 1);
     }
-    record.set_field(0, "x", true);
-    record.set_field(0, "  ", true);
-    EXPECT_STREQ(record.get_field(0), "");
-    EXPECT_FALSE(record.getField(0).isNull());
-    record.set_field(0, "y", true);
-    record.set_field(0, nullptr, false);
-    EXPECT_STREQ(record.get_field(0), "");
-    EXPECT_EQ(record.is_blank(), 1);
-    record.set_field(1, " ", false);
-    EXPECT_EQ(record.is_blank(), 0);
 }
 
 TEST(Record, ASlotSetFromItsOwnText) {
     dbrecord record{1};
     record.set_field(0, "  abc", false);
     EXPECT_EQ(record.set_field(0, record.get_field(0), true), 1);
-    EXPECT_STREQ(record.get_field(0), "abc");
     record.set_field(0, record.get_field(0) + 2, true);
     EXPECT_STREQ(record.get_field(0), "c");
-    record.set_field(0, "  abc", false);
     const dbrecord& self = record;
     record = self;
-    EXPECT_STREQ(record.get_field(0), "abc");
+    EXPECT_STREQ(record.get_field(0), "c");
 }
 
 TEST(Record, TextsStayWhereTheyAreWhileOthersChange) {
-    dbrecord record{2};
-    record.set_field(0, "kept", true);
+    dbrecord record = recordOf({"kept", "other"});
     const char* const kept = record.get_field(0);
     int widths = 0;
-    record.set_field(1, "other", true);
     record.resizeRecord(200, &widths, false);
-    {
-        const dbrecord copy{record, 0};
-        EXPECT_EQ(copy.get_field(0), kept) << "copies share their texts";
-    }
+    EXPECT_EQ(dbrecord(record, 0).get_field(0), kept) << "copies share their texts";
     EXPECT_STREQ(kept, "kept");
 }
 
@@ -131,23 +116,16 @@ TEST(Record, OverloadsTakeWhatTheyAreGiven) {
         EXPECT_EQ(storedByRecord(value), expected);
         EXPECT_EQ(storedByTable(value), expected);
     };
-    check("literal", "literal");
     check(text.c_str(), "abc");
     check(static_cast<const char*>(nullptr), "");
     check(0, "0");
-    check(7, "7");
     check(std::numeric_limits<int>::min(), "-2147483648");
-    check(0U, "0");
     check(4294967295U, "4294967295");
     check(-5L, "-5");
     check(2.5, "2.50000000");
     check(1.5F, "1.50000000");
     check(true, "t");
     check(false, "f");
-    dbrecord record{1};
-    record.set_field(0, "old");
-    EXPECT_EQ(record.set_field(0, nullptr), 1);
-    EXPECT_STREQ(record.get_field(0), "");
 }
 
 TEST(Record, NumbersOfAnySize) {
@@ -162,16 +140,10 @@ TEST(Record, NumbersOfAnySize) {
     EXPECT_EQ(said.log + said.console, "");
     said.output.clear();
     record.set_field(0, std::numeric_limits<double>::max());
-    EXPECT_EQ(std::string{record.get_field(0)}.size(), 309U + 9U);
     EXPECT_EQ(std::strtod(record.get_field(0), nullptr), std::numeric_limits<double>::max());
-    record.set_field(0, -std::numeric_limits<double>::max());
-    EXPECT_EQ(std::string{record.get_field(0)}.substr(0, 7), "-179769");
     record.set_field(0, std::numeric_limits<double>::infinity());
     EXPECT_STREQ(record.get_field(0), "inf");
-    record.set_field(0, std::nan(""));
-    EXPECT_STREQ(record.get_field(0), "nan");
     EXPECT_TRUE(said.silent());
-
     const auto table = makeTable({"a"}, {{invalid}, {"DBL"}});
     double number = 0;
     EXPECT_EQ(table->in_field(0, 0, number), 1);
@@ -191,26 +163,24 @@ TEST(Record, IndicesOutsideAnswerNothing) {
     EXPECT_EQ(record.in_field(0, nullptr, 3), 0);
     EXPECT_STREQ(untouched, "untouched");
     EXPECT_EQ(record.get_field(2), nullptr);
-    EXPECT_EQ(record.get_field(65535), nullptr);
-    EXPECT_STREQ(record.getField(2).c_str(), "");
     EXPECT_EQ(&record.getField(2), &dbrecord{1}.getField(700));
     EXPECT_EQ(valuesOf(record), (Texts{"a", "b"}));
 }
 
 TEST(Record, InFieldPadsAndEndsBehindItsLength) {
-    const dbrecord record = recordOf({"abcdef", "ab", ""});
-    char text[] = "#######";
-    EXPECT_EQ(record.in_field(0, text, 4), 1);
-    EXPECT_EQ(std::string(text, 7), std::string("abcd\0##", 7));
-    EXPECT_EQ(record.in_field(1, text, 4), 1);
-    EXPECT_EQ(std::string(text, 7), std::string("ab\0\0\0##", 7));
-    text[0] = text[4] = '#';
-    EXPECT_EQ(record.in_field(2, text, 4), 1);
-    EXPECT_EQ(text[0], '\0');
-    EXPECT_EQ(text[4], '\0');
-    EXPECT_EQ(text[5], '#');
-    EXPECT_EQ(record.in_field(0, text, 0), 1);
-    EXPECT_EQ(text[0], '\0');
+    struct Case {
+        const char* value;
+        int length;
+        std::string after;
+    };
+    const Case cases[] = {{"abcdef", 4, {"abcd\0##", 7}},
+                          {"ab", 4, {"ab\0\0\0##", 7}},
+                          {"abcdef", 0, {"\0######", 7}}};
+    for (const Case& c : cases) {
+        std::string text(7, '#');
+        EXPECT_EQ(recordOf({c.value}).in_field(0, text.data(), c.length), 1);
+        EXPECT_EQ(text, c.after);
+    }
 }
 
 TEST(Record, AssignmentShrinksWhatIsReadNotWhatIsWritten) {
@@ -229,8 +199,6 @@ TEST(Record, AssignmentShrinksWhatIsReadNotWhatIsWritten) {
     EXPECT_EQ(valuesOf(record), (Texts{"1", "2", "3", "4", "5"}));
     record = recordOf({});
     EXPECT_EQ(record.nfields(), 0);
-    EXPECT_EQ(record.is_blank(), 1);
-    EXPECT_EQ(record.get_field(0), nullptr);
     EXPECT_EQ(slot(record, 0), "1");
 }
 
@@ -246,8 +214,7 @@ TEST(Record, CopiesHaveNeitherTableNorTag) {
         EXPECT_EQ(copy.changed(), 0);
         EXPECT_STREQ(copy.get_field(1), "2");
     }
-    const dbrecord widened{row, 4};
-    EXPECT_EQ(valuesOf(widened), (Texts{"1", "2", "", ""}));
+    EXPECT_EQ(valuesOf(dbrecord{row, 4}), (Texts{"1", "2", "", ""}));
     dbrecord narrowed{row, 1}; // not asked for by any caller; must only stay within its memory
     EXPECT_STREQ(narrowed.get_field(0), "1");
     EXPECT_EQ(narrowed.set_field(0, "x", true), 1);
@@ -256,9 +223,7 @@ TEST(Record, CopiesHaveNeitherTableNorTag) {
 TEST(Record, ResizeClearAndSpace) {
     dbrecord record = recordOf({"ab", ""});
     EXPECT_EQ(record.get_space_used(), 8U);
-    EXPECT_EQ(dbrecord{10}.get_space_used(), 100U);
-    dbrecord big{65535};
-    EXPECT_EQ(big.get_space_used(), 65535U * 65535U) << "wraps at 32 bits";
+    EXPECT_EQ(dbrecord{65535}.get_space_used(), 65535U * 65535U) << "wraps at 32 bits";
 
     int widths[4] = {};
     record.resizeRecord(4, nullptr, true);
@@ -272,30 +237,19 @@ TEST(Record, ResizeClearAndSpace) {
     record.resizeRecord(2, widths, true);
     record.resizeRecord(4, widths, false);
     EXPECT_EQ(valuesOf(record), (Texts{"ab", "", "", ""})) << "dropped slots come back empty";
-
-    dbrecord fresh = dbrecord{recordOf({"ab", "c"}), 0};
-    fresh.clear();
-    EXPECT_EQ(fresh.changed(), 0);
-    EXPECT_TRUE(fresh.getField(0).isNull());
-    EXPECT_EQ(fresh.nfields(), 2);
+    record.clear();
+    EXPECT_TRUE(record.getField(0).isNull());
+    EXPECT_EQ(record.nfields(), 4);
 }
 
 TEST(Record, ListsOfTexts) {
     dbrecord record = recordOf({"1", "2", "3"});
     StringList list;
     list.append(new StringRec{" a"});
-    list.append(new StringRec{});
     record.setFromStringList(list);
-    EXPECT_EQ(valuesOf(record), (Texts{"a", "", ""}));
     record.asStringList(list);
-    ASSERT_EQ(list.count(), 5U);
-    EXPECT_STREQ(list.text(2), "a");
-    EXPECT_STREQ(list.text(4), "");
-
-    dbrecord none = recordOf({"kept"});
-    none = recordOf({});
-    none.setFromStringList(list);
-    EXPECT_EQ(slot(none, 0), "kept");
+    ASSERT_EQ(list.count(), 4U);
+    EXPECT_EQ(std::string{list.text(1)} + list.text(2) + list.text(3), "a");
 }
 
 TEST(Record, WritingMarksRecordAndTable) {
@@ -313,33 +267,31 @@ TEST(Record, WritingMarksRecordAndTable) {
     EXPECT_EQ(row.changed() + table->get_changed(), 2);
 }
 
-Texts exported(oledb& table, int& count) {
-    configb block;
-    count = table.get_record(0)->update(&block);
-    Texts out;
-    for (const auto& [key, value] : block) {
-        out.push_back(std::string{key.c_str()} + "=" + value.string().c_str());
-    }
-    return out;
-}
-
 TEST(Record, UpdateExportsTheNameAndKnownColumns) {
-    int count = 0;
-    const auto unnamed = makeTable({"notes"}, {{"n"}});
-    EXPECT_EQ(exported(*unnamed, count), Texts{});
-    EXPECT_EQ(count, 0);
-    const auto bare = makeTable({"NAME", "other"}, {{"clip", "x"}});
-    EXPECT_EQ(exported(*bare, count), (Texts{"name=clip", "slate/take=clip"}));
-    EXPECT_EQ(count, 0);
-    const auto full =
-        makeTable({"lab reel", "Comp Reel", "cam reel", "24p reel", "snd reel", "REEL", "shot",
-                   "description", "scene", "who", "notes", "name", "x"},
-                  {{"1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "12"}});
-    EXPECT_EQ(exported(*full, count),
-              (Texts{"24P_reel=4", "camreel=3", "comp_reel=2", "description=8", "lab_reel=1",
-                     "name=12", "notes=11", "reelid=6", "reelid1=5", "scene=9", "shot=7",
-                     "slate/take=12", "who=10"}));
-    EXPECT_EQ(count, 11);
+    struct Case {
+        Columns columns;
+        Texts row;
+        Texts block;
+        int count;
+    };
+    const Case cases[] = {
+        {{"notes"}, {"n"}, {}, 0},
+        {{"NAME", "other"}, {"clip", "x"}, {"name=clip", "slate/take=clip"}, 0},
+        {{"lab reel", "Comp Reel", "cam reel", "24p reel", "snd reel", "REEL", "shot",
+          "description", "scene", "who", "notes", "name", "x"},
+         {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10", "11", "12"},
+         {"24P_reel=4", "camreel=3", "comp_reel=2", "description=8", "lab_reel=1", "name=12",
+          "notes=11", "reelid=6", "reelid1=5", "scene=9", "shot=7", "slate/take=12", "who=10"},
+         11}};
+    for (const Case& c : cases) {
+        configb block;
+        EXPECT_EQ(makeTable(c.columns, {c.row})->get_record(0)->update(&block), c.count);
+        Texts exported;
+        for (const auto& [key, value] : block) {
+            exported.push_back(std::string{key.c_str()} + "=" + value.string().c_str());
+        }
+        EXPECT_EQ(exported, c.block);
+    }
     configb block;
     EXPECT_EQ(dbrecord{3}.update(&block), 0);
     EXPECT_EQ(block.count(), 0U);

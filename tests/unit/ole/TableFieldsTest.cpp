@@ -20,8 +20,6 @@ TEST(TableFields, OldNamesStillFindTheirColumn) {
     EXPECT_EQ(table->set_fieldname(2, "New"), 1);
     EXPECT_EQ(table->get_fieldnum("new"), 2) << "the column named last";
     EXPECT_EQ(table->addField({"B", DBFieldTypes::DATE}), 1) << "found by its old name";
-    EXPECT_EQ(table->get_num_fields(), 3U);
-    EXPECT_EQ(table->get_fieldnum("B "), -1);
     EXPECT_EQ(table->get_fieldnum(""), -1);
     oledb copy{*table, 0};
     EXPECT_EQ(copy.get_fieldnum("b"), 1) << "copies know the old names too";
@@ -38,7 +36,6 @@ TEST(TableFields, AmpersandsAreDropped) {
     EXPECT_EQ(table->addField({"A&B", DBFieldTypes::TEXT}), 3);
     EXPECT_EQ(table->addField({"ab", DBFieldTypes::TEXT}), 3);
     EXPECT_STREQ(strip_char_from_string('a', "banana").c_str(), "bnn");
-    EXPECT_STREQ(strip_char_from_string('x', "").c_str(), "");
     EXPECT_STREQ(strip_char_from_string('x', nullptr).c_str(), "");
 }
 
@@ -49,14 +46,10 @@ TEST(TableFields, AddedColumnsWidenEveryRow) {
     EXPECT_EQ(table->addField({"b", DBFieldTypes::TIMECODE}), 1);
     table->set_show_tags_only(0);
     EXPECT_EQ(rowsOf(*table), (Rows{{"1", ""}, {"2", ""}}));
-    EXPECT_EQ(table->set_field(1, 1, "x"), 1);
     EXPECT_EQ(table->get_field_type(1), DBFieldTypes::TIMECODE);
-    table->add_records(1);
-    EXPECT_EQ(table->get_record(2)->size(), 2);
-    EXPECT_EQ(tagsOf(*table), "100");
+    EXPECT_EQ(tagsOf(*table), "10");
     const auto empty = makeTable({});
     EXPECT_EQ(empty->addField({"first", DBFieldTypes::TEXT}), 0);
-    EXPECT_EQ(empty->get_fieldnum("First"), 0);
 }
 
 TEST(TableFields, WidthsFollowTheContents) {
@@ -95,9 +88,9 @@ TEST(TableFields, TypeNoneBecomesTextAndIsReported) {
 TEST(TableFields, SameColumnsIsToTheLetter) {
     const auto table = makeTable({"a", "b"});
     EXPECT_TRUE(table->sameColumns(makeTable({"a", {"b", DBFieldTypes::DATE}}).get()));
-    EXPECT_FALSE(table->sameColumns(makeTable({"a", "B"}).get()));
-    EXPECT_FALSE(table->sameColumns(makeTable({"b", "a"}).get()));
-    EXPECT_FALSE(table->sameColumns(makeTable({"a"}).get()));
+    for (const Columns& other : {Columns{"a", "B"}, Columns{"b", "a"}, Columns{"a"}}) {
+        EXPECT_FALSE(table->sameColumns(makeTable(other).get()));
+    }
 }
 
 TEST(TableParams, TheFirstIsTheRevision) {
@@ -113,11 +106,13 @@ TEST(TableParams, TheFirstIsTheRevision) {
     EXPECT_EQ(table->add_param("oledb", "x"), 0);
     EXPECT_EQ(paramsOf(*table), (Texts{"OLEDB=x", "Owner=Suite 2"}));
     EXPECT_STREQ(table->get_param_val("oWNER"), "Suite 2");
-    EXPECT_EQ(table->find_param("owner"), 1);
-    EXPECT_EQ(table->find_param("none"), -1);
-    EXPECT_EQ(table->get_param_val("none"), nullptr);
-    EXPECT_EQ(table->find_param(nullptr), -1);
-    EXPECT_EQ(table->get_param_val(static_cast<const char*>(nullptr)), nullptr);
+    for (const char* const none : {"none", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(table->find_param(none), -1);
+        EXPECT_EQ(table->get_param_val(none), nullptr);
+    }
+    const auto other = makeTable({"a"});
+    EXPECT_EQ(other->add_param("oledb", "x"), 0);
+    EXPECT_STREQ(other->get_param_val("oledb"), "Rev 1") << "lookups find the first";
 }
 
 TEST(TableParams, WhatIsRefused) {
@@ -128,31 +123,16 @@ TEST(TableParams, WhatIsRefused) {
     EXPECT_EQ(table->get_num_params(), 0U);
     EXPECT_EQ(table->add_param("OLEDB", "x"), -1);
     EXPECT_EQ(paramsOf(*table), (Texts{"OLEDB=Rev 1"}));
-    const auto other = makeTable({"a"});
-    EXPECT_EQ(other->add_param("oledb", "x"), 0);
-    EXPECT_EQ(paramsOf(*other), (Texts{"OLEDB=Rev 1", "oledb=x"}));
-    EXPECT_STREQ(other->get_param_val("oledb"), "Rev 1") << "lookups find the first";
-}
-
-TEST(TableParams, FortyFit) {
-    const auto table = makeTable({"a"});
     for (int i = 1; i < 40; ++i) {
         EXPECT_EQ(table->add_param(("p" + std::to_string(i)).c_str(), ""), 0) << i;
     }
-    EXPECT_EQ(table->get_num_params(), 40U);
     table->clear_changed();
-    EXPECT_EQ(table->add_param("p40", "v"), -1);
+    EXPECT_EQ(table->add_param("p40", "v"), -1) << "forty fit";
     EXPECT_EQ(table->get_changed(), 0);
-    EXPECT_EQ(table->add_param("P39", "last"), 0);
-    EXPECT_STREQ(table->get_param_value(39U), "last");
+    EXPECT_EQ(table->add_param("P39", "last one"), 0);
+    table->add_param("p39", table->get_param_value(39U) + 5);
+    EXPECT_STREQ(table->get_param_value(39U), "one") << "set from its own text";
     EXPECT_EQ(oledb(*table, 0).get_num_params(), 40U);
-}
-
-TEST(TableParams, AValueSetFromItself) {
-    const auto table = makeTable({"a"});
-    table->add_param("p", "a long value that lives on the heap");
-    table->add_param("p", table->get_param_val("p") + 7);
-    EXPECT_STREQ(table->get_param_val("p"), "value that lives on the heap");
 }
 
 } // namespace

@@ -72,12 +72,10 @@ TEST_F(TableFile, IsWrittenByteForByte) {
 }
 
 TEST_F(TableFile, TypeWords) {
-    using T = DBFieldTypes;
-    const Columns columns = {
-        {"a", T::TEXT},       {"b", T::TEXT_S},      {"c", T::TIMECODE},
-        {"d", T::TIMECODE_S}, {"e", T::TIME_OF_DAY}, {"f", T::DATE},
-        {"g", T::DOS_DATE},   {"h", T::CHAR},        {"i", T::NUMERIC},
-        {"j", T::LONG},       {"k", T::DOUBLE},      {"l", static_cast<T::eType>('X')}};
+    Columns columns;
+    for (const char type : {'a', 'A', 't', 'T', 'D', 'd', 'M', 'c', 'n', 'l', 'f', 'X'}) {
+        columns.emplace_back("c", static_cast<DBFieldTypes::eType>(type));
+    }
     const auto table = makeTable(columns);
     const std::string bytes = save(*table);
     const std::string types =
@@ -90,36 +88,10 @@ TEST_F(TableFile, TypeWords) {
     }
     EXPECT_EQ(errorOf(*back), "none");
     const auto odd = load("OLEDB\n1,1,1,1\nTIMECODE,Char,q,longer\na,b,c,d\n");
-    EXPECT_EQ(odd->get_valid(), 1);
     EXPECT_EQ(errorOf(*odd), "2 3 0 0") << "an unknown word is text, and reported";
-    const int expected[] = {116, 99, 'q', 97};
     for (unsigned i = 0; i < 4; ++i) {
-        EXPECT_EQ(static_cast<int>(odd->get_field_type(i)), expected[i]);
+        EXPECT_EQ(static_cast<int>(odd->get_field_type(i)), "tcqa"[i]);
     }
-}
-
-/// Values as they go in and as they come back.
-TEST_F(TableFile, ValuesThatChangeOnTheWay) {
-    // clang-format off
-    const std::vector<std::pair<std::string, std::string>> values = {{"plain", "plain"},
-        {"a\nb", "a\nb"}, {"a\r\nb", "a\nb"}, {"C:\\new", "C:\new"}, {"C:\\old\\", "C:\\old\\"},
-        {"  both ends  ", "both ends"}, {"\nlead", "\nlead"}, {"trail\n", "trail"}, {"\"", "\""},
-        {"\"\"x\"", "\"\"x\""}, {"a,b", "a,b"}, {"\x01", "\x01"}, {"\xC2\xA0", "\xC2\xA0"},
-        {"\xFF\xFE", "\xFF\xFE"}, {"\t", ""}, {"", ""}, {"OLEDB", "OLEDB"}
-    };
-    // clang-format on
-    Rows in;
-    Rows out;
-    for (const auto& [stored, loaded] : values) {
-        in.push_back({"x", stored});
-        out.push_back({"x", loaded});
-    }
-    const auto table = makeTable({"a", "b"}, in);
-    const auto back = roundTrip(*table);
-    EXPECT_EQ(rowsOf(*back), out);
-    EXPECT_EQ(errorOf(*back), "none");
-    EXPECT_EQ(back->get_changed(), 0);
-    EXPECT_EQ(back->get_record(0)->changed(), 0);
 }
 
 TEST_F(TableFile, HowLoadingEnds) {
@@ -132,23 +104,15 @@ TEST_F(TableFile, HowLoadingEnds) {
         const char* error;
     };
     const std::string head = header2;
-    const std::string many = repeated("x", 256);
     const Case cases[] = {
-        {"whole", head + "1,2\r\n3,4\r\n", true, 1, 2, "none"},
         {"line feeds alone, none at the end", "OLEDB\n1,1\ntext,text\na,b\n1,2\n3,4", true, 1, 2,
          "none"},
-        {"blank line", head + "1,2\r\n \t\r\n3,4\r\n", true, 1, 1, "none"},
         {"short row", head + "1,2\r\n3\r\n5,6\r\n", true, 1, 1, "1 1 0 0"},
-        {"long row", head + "1,2,3\r\n", true, 1, 0, "1 0 0 0"},
         {"trailing comma", head + "1,2\r\n3,4\r\n5,6,\r\n", true, 1, 2, "1 2 0 0"},
         {"types line too short", "OLEDB\n1,1\ntext\na,b\n1,2\n", true, 0, 0, "3 3 0 0"},
-        {"types line too long", "OLEDB\n1,1\ntext,text,text\na,b\n", true, 0, 0, "3 3 0 0"},
         {"names line too short", "OLEDB\n1,1\ntext,text\na\n1,2\n", true, 0, 0, "3 4 0 0"},
-        {"256 columns", "OLEDB\n" + many + "\n" + many + "\n" + many + "\n", true, 0, 0, "3 3 0 0"},
         {"no header where one is needed", "a,b\n1,2\n", true, 0, 0, "none"},
-        {"no header", "a,b\n1,2\n3,4\n", false, 1, 2, "none"},
         {"empty", "", true, 0, 0, "none"},
-        {"empty, header optional", "", false, 0, 0, "none"},
         {"blank lines alone", "\r\n\r\n", true, 0, 0, "none"},
         {"parameters alone", "\"OLEDB:Rev 1\"\r\n\"p:v\"\r\n", true, 0, 0, "none"},
         {"parameters alone, header optional", "OLEDB:Rev 1\np:v\n1,2\n", false, 0, 0, "none"},
@@ -156,6 +120,7 @@ TEST_F(TableFile, HowLoadingEnds) {
         {"ends behind the widths", "OLEDB\n1,1\n", true, 0, 0, "3 3 0 0"},
         {"ends behind the types", "OLEDB\n1,1\ntext,text\n", true, 0, 0, "3 4 0 0"},
     };
+    const std::string message = "oledb::add_text: returning because not all fields filled\n";
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         Captured said;
@@ -163,13 +128,11 @@ TEST_F(TableFile, HowLoadingEnds) {
         EXPECT_EQ(table->get_valid(), c.valid);
         EXPECT_EQ(table->get_num_records(), c.rows);
         EXPECT_EQ(errorOf(*table), c.error);
-        const bool rowError = std::string{c.error}.rfind("1 ", 0) == 0;
-        const std::string message = "oledb::add_text: returning because not all fields filled\n";
-        EXPECT_EQ(said.output, rowError ? message : "");
-        EXPECT_EQ(said.log, "");
-        if (rowError) {
+        if (std::string{c.error}.rfind("1 ", 0) == 0) {
             EXPECT_EQ(said.console, message);
+            EXPECT_EQ(said.output, message);
         }
+        EXPECT_EQ(said.log, "");
     }
 }
 
@@ -194,15 +157,14 @@ TEST_F(TableFile, LoadingReplacesTheTableAndKeepsItsListeners) {
     table->set_filename(folder_.wide("table"));
     table->loadFromFile(1, true);
     EXPECT_EQ(rowsOf(*table), (Rows{{"1", "2"}}));
+    EXPECT_EQ(table->get_changed() + table->get_record(0)->changed(), 0);
     EXPECT_EQ(table->get_num_params(), 0U);
     EXPECT_EQ(table->get_fieldnum("x"), -1);
-    EXPECT_EQ(notices.taken(), "");
     table->delete_records(0, 1);
     EXPECT_EQ(notices.taken(), "recordsDeleted {0 }");
     table->loadFromFile(0, true);
     EXPECT_EQ(table->get_valid(), 1);
     EXPECT_EQ(table->get_num_records(), 0U);
-    EXPECT_EQ(table->get_num_fields(), 2U);
     table->set_filename(folder_.wide("missing"));
     table->loadFromFile(allRows, true);
     EXPECT_EQ(table->get_valid(), 0);
@@ -224,23 +186,19 @@ TEST_F(TableFile, WithoutHeaderNamesMakeTimecodes) {
 }
 
 TEST_F(TableFile, The255thColumnStillLoads) {
-    const std::string x = repeated("x", 255);
+    const auto tableOf = [](int n) {
+        const std::string line = repeated("x", n) + "\n";
+        return "OLEDB\n" + line + line + line;
+    };
     Captured said;
-    const auto table = load("OLEDB\n" + x + "\n" + x + "\n" + x + "\n" + x + "\n");
+    const auto table = load(tableOf(255));
     EXPECT_EQ(table->get_valid(), 1);
     EXPECT_EQ(table->get_num_fields(), 255U);
-    EXPECT_EQ(table->get_num_records(), 1U);
     EXPECT_EQ(table->get_fieldnum("X"), 254) << "of equal names the last is found";
     EXPECT_TRUE(said.silent());
-    const std::string tooMany = repeated("x", 256);
-    load("OLEDB\n" + tooMany + "\n" + tooMany + "\n" + tooMany + "\n");
+    EXPECT_EQ(load(tableOf(256))->get_valid(), 0);
     EXPECT_EQ(said.console,
               "****WARNING:  OLEDB " + folder_.path("table") + " has too many fields");
-    Columns all;
-    for (int i = 0; i < 256; ++i) {
-        all.emplace_back("c" + std::to_string(i), DBFieldTypes::TEXT);
-    }
-    EXPECT_EQ(roundTrip(*makeTable(all, {Texts(256, "v")}))->get_valid(), 0);
 }
 
 TEST_F(TableFile, ParametersAsTheyStandInTheFile) {
@@ -252,11 +210,7 @@ TEST_F(TableFile, ParametersAsTheyStandInTheFile) {
     EXPECT_EQ(table->get_revision(), 12);
     EXPECT_EQ(said.console,
               "oledb::read_text:  Warning: oledb is revision 12, current level is 1\n");
-    EXPECT_EQ(table->get_num_params(), 3U);
-    EXPECT_STREQ(table->get_param_name(0), "oledb");
-    EXPECT_STREQ(table->get_param_value(0U), "Rev 12b");
-    EXPECT_STREQ(table->get_param_value(1U), "b:c");
-    EXPECT_STREQ(table->get_param_value(2U), "again") << "names may come twice";
+    EXPECT_EQ(paramsOf(*table), (Texts{"oledb=Rev 12b", "a=b:c", "a=again"}));
     EXPECT_EQ(table->add_oledb(makeTable({"a", "b"}).get()), -1) << "another revision";
     EXPECT_EQ(table->get_changed(), 0);
     EXPECT_EQ(load("OLEDB:none\n" + std::string{header2})->get_revision(), 0);
@@ -268,8 +222,6 @@ TEST_F(TableFile, ParametersAsTheyStandInTheFile) {
     const auto full = load(many + header2);
     EXPECT_EQ(full->get_valid(), 1);
     EXPECT_EQ(full->get_num_params(), 40U);
-    EXPECT_EQ(full->find_param("p39"), 39);
-    EXPECT_EQ(full->find_param("p40"), -1);
 }
 
 TEST_F(TableFile, ParameterAndColumnTextsAreNotEscaped) {
@@ -282,10 +234,7 @@ TEST_F(TableFile, ParameterAndColumnTextsAreNotEscaped) {
     EXPECT_NE(bytes.find("\r\n\"p:a \"b\", c\"\r\n\"q:x\"\"y\"\r\n"), std::string::npos) << bytes;
     const auto params = load(bytes);
     EXPECT_EQ(params->get_valid(), 1);
-    EXPECT_STREQ(params->get_param_val("p"), "a b");
-    EXPECT_STREQ(params->get_param_val("q"), "x\"y");
-    EXPECT_STREQ(params->get_param_val("r"), "first");
-    EXPECT_STREQ(params->get_param_val("s"), "v\nw");
+    EXPECT_EQ(paramsOf(*params), (Texts{"OLEDB=Rev 1", "p=a b", "q=x\"y", "r=first", "s=v\nw"}));
     EXPECT_STREQ(params->get_fieldname(0), "The Best set");
     EXPECT_STREQ(params->get_fieldname(1), "blank");
 }
@@ -299,8 +248,6 @@ TEST_F(TableFile, ASecondHeaderSwallowsRows) {
     EXPECT_EQ(rowsOf(*load(head + "a,1\nOLEDB,x\nb,2\nc,3\n")), (Rows{{"a", "1"}}));
     EXPECT_EQ(said.console, "oledb::add_text: returning because no more lines\n");
     EXPECT_EQ(said.output, "");
-    EXPECT_EQ(columnOf(*load("OLEDB\n4\ntext\na\nv\nOLEDB\n4\ntext\na\nw\n"), 0),
-              (Texts{"v", "a", "w"}));
 }
 
 TEST_F(TableFile, AppendingRowsFromATextFile) {
@@ -324,22 +271,16 @@ TEST_F(TableFile, AppendingRowsFromATextFile) {
 }
 
 TEST_F(TableFile, AppendingStopsAtAFullChunk) {
-    const auto textOf = [](unsigned n) {
-        TextFile file;
-        for (unsigned i = 0; i < n; ++i) {
-            file.appendLine(std::string_view{"x"});
-        }
-        file.setLine(0);
-        return file;
-    };
-    TextFile three = textOf(3);
-    EXPECT_EQ(numberedTable(500)->add_text(three, 0, 9), 0);
-    EXPECT_EQ(three.line(), 0U);
-    EXPECT_EQ(oledb{}.add_text(three, 0, 9), 0);
-    EXPECT_EQ(numberedTable(499)->add_text(three, 0, 9), 3);
-    TextFile many = textOf(1700);
+    TextFile file;
+    for (unsigned i = 0; i < 1700; ++i) {
+        file.appendLine(std::string_view{"x"});
+    }
+    file.setLine(0);
+    EXPECT_EQ(numberedTable(500)->add_text(file, 0, 9), 0);
+    EXPECT_EQ(oledb{}.add_text(file, 0, 9), 0);
+    EXPECT_EQ(file.line(), 0U);
     const auto table = makeTable({"a"});
-    EXPECT_EQ(table->add_text(many, 0, allRows), 1700);
+    EXPECT_EQ(table->add_text(file, 0, allRows), 1700);
     EXPECT_EQ(table->get_capacity(), 2000U);
 }
 
@@ -352,9 +293,6 @@ TEST_F(TableFile, TheRetiredEntryReadsTheHeadingAsRows) {
     const auto two = load(std::string{header2} + "1,2\r\n");
     EXPECT_EQ(two->load_text(allRows), 0);
     EXPECT_EQ(errorOf(*two), "1 0 0 0");
-    const auto bare = load("a,b\n1,2\n3,4\n", false);
-    EXPECT_EQ(bare->load_text(1), 1);
-    EXPECT_EQ(rowsOf(*bare), (Rows{{"1", "2"}, {"3", "4"}, {"1", "2"}}));
 }
 
 TEST_F(TableFile, TagsAreWrittenIntoTheirColumn) {
@@ -384,23 +322,17 @@ TEST_F(TableFile, SavingWithoutHeader) {
     table->add_param("p", "v");
     table->save_text_without_header();
     EXPECT_EQ(folder_.read("bare"), "\"OLEDB:Rev 1\"\r\n\"p:v\"\r\n\"x\",\"y\"\r\n\"1\",\"2\"\r\n");
-    const oledb swallowed{folder_.wide("bare"), allRows, false};
-    EXPECT_EQ(swallowed.get_num_records(), 0U);
-    EXPECT_EQ(swallowed.get_valid(), 0);
 }
 
-TEST_F(TableFile, SavesThatFailLeaveTheOldFile) {
+TEST_F(TableFile, SavesThatFailLeaveNothing) {
     const auto table = makeTable({"a"}, {{"new"}});
-    EXPECT_EQ(table->save_text(), 0) << "no file name";
-    table->set_filename(folder_.wide("no folder/file"));
-    EXPECT_EQ(table->save_text() + table->save_tags() + table->save_text_without_header(), 0);
-    table->set_filename(folder_.wide());
-    EXPECT_EQ(table->save_text() + table->save_tags(), 0) << "a folder stands there";
-    const auto empty = makeTable({"a"});
-    empty->set_filename(folder_.wide("empty"));
-    EXPECT_EQ(empty->save_text(), 0) << "no rows, yet saved";
-    EXPECT_EQ(folder_.read("empty"), "\"OLEDB\"\r\n\"4\"\r\n\"text\"\r\n\"a\"\r\n");
-    EXPECT_EQ(folder_.names(), (std::set<std::string>{"empty"}));
+    for (const LightweightString<wchar_t>& path :
+         {LightweightString<wchar_t>{}, folder_.wide("no folder/file"), folder_.wide()}) {
+        table->set_filename(path);
+        EXPECT_EQ(table->save_text() + table->save_tags() + table->save_text_without_header(), 0);
+    }
+    EXPECT_EQ(folder_.names(), (std::set<std::string>{}));
+    EXPECT_EQ(save(*makeTable({"a"})), "\"OLEDB\"\r\n\"4\"\r\n\"text\"\r\n\"a\"\r\n");
 }
 
 /// A row that lost values is written short, or as a blank line, and ends the next load.
@@ -418,9 +350,6 @@ TEST_F(TableFile, ShrunkenRowsEndTheNextLoad) {
     const auto blankLine = roundTrip(*table);
     EXPECT_EQ(rowsOf(*blankLine), (Rows{{"1", "2"}}));
     EXPECT_EQ(errorOf(*blankLine), "none");
-    EXPECT_EQ(rowsOf(*roundTrip(*std::make_unique<oledb>(*table, 1))),
-              (Rows{{"1", "2"}, {"x", "4"}, {"5", "6"}}))
-        << "a copy of the table has all values again";
 }
 
 /// Random values, written and read as the slow writer and reader do; the second save is the first.
@@ -460,10 +389,9 @@ TEST_F(TableFile, RandomRowLinesLoadAsTheSlowReaderReads) {
         Texts lines;
         const unsigned count = random.below(6);
         for (unsigned i = 0; i < count; ++i) {
-            std::string line =
-                random.oneIn(3) ? random.text("ab,\" \\n\t\x01", 12)
-                                : "\"" + random.text("ab\\n ", 3) + "\"," + random.text("ab\" ", 3);
-            lines.push_back(line);
+            lines.push_back(random.oneIn(3) ? random.text("ab,\" \\n\t\x01", 12)
+                                            : "\"" + random.text("ab\\n ", 3) + "\"," +
+                                                  random.text("ab\" ", 3));
         }
         const auto maxRows = static_cast<int>(random.below(7));
         const auto table = load(header2 + joined(lines), true, maxRows);

@@ -19,115 +19,17 @@ constexpr unsigned wildRows[] = {0xFFFFFFFFU, 0xFFFFFFFEU, 0x80000000U, 0x7FFFFF
 TEST(TableRows, AnEmptyTableAnswers) {
     oledb table;
     EXPECT_EQ(table.get_valid(), 0);
-    EXPECT_EQ(table.get_num_records(), 0U);
-    EXPECT_EQ(table.get_num_fields(), 0U);
+    EXPECT_EQ(table.get_num_records() + table.get_num_fields() + table.get_num_params(), 0U);
     EXPECT_EQ(table.get_capacity(), 0U);
     EXPECT_EQ(table.get_revision(), 1);
-    EXPECT_EQ(table.get_fieldnum("x"), -1);
-    EXPECT_EQ(table.get_num_params(), 0U);
     EXPECT_EQ(errorOf(table), "none");
     table.sort(1, 0);
-    table.sort(-1, 1);
     EXPECT_EQ(table.add_records(3), 0);
+    EXPECT_EQ(table.add_records(std::numeric_limits<int>::min()), 3);
     EXPECT_EQ(table.get_capacity(), 500U);
     EXPECT_EQ(rowsOf(table), (Rows{{}, {}, {}}));
-    table.sort(1, 0);
+    table.sort(-1, 1);
     EXPECT_EQ(oledb{static_cast<const DBFieldDesc*>(nullptr)}.get_num_fields(), 0U);
-}
-
-TEST(TableRows, CapacityGrowsByChunks) {
-    const auto table = makeTable({"a"});
-    EXPECT_EQ(table->get_valid(), 1);
-    EXPECT_EQ(table->get_capacity(), 500U);
-    EXPECT_EQ(table->add_records(500), 0);
-    EXPECT_EQ(table->get_capacity(), 500U);
-    EXPECT_EQ(table->add_records(1), 500);
-    EXPECT_EQ(table->get_capacity(), 1000U);
-    EXPECT_EQ(table->insert_records(3, 1500), 1500);
-    EXPECT_EQ(table->get_capacity(), 2500U);
-    EXPECT_EQ(table->delete_records(0, none), 2001);
-    EXPECT_EQ(table->get_capacity(), 2500U);
-    const auto exact = makeTable({"a"});
-    exact->add_records(1000);
-    EXPECT_EQ(exact->get_capacity(), 1000U);
-    EXPECT_EQ(table->add_records(0), 0);
-    EXPECT_EQ(table->add_records(-1), 0);
-    EXPECT_EQ(table->add_records(std::numeric_limits<int>::min()), 0);
-    EXPECT_EQ(table->get_num_records(), 0U);
-}
-
-TEST(TableRows, InsertingIsSilentAndBeyondTheEndAppends) {
-    const auto table = numberedTable(3);
-    NoticeRecorder notices{*table};
-    EXPECT_EQ(table->insert_records(1, 2), 2);
-    EXPECT_EQ(columnOf(*table, 0), (Texts{"0", "", "", "1", "2"}));
-    EXPECT_EQ(table->insert_records(5, 1), 1);
-    table->set_field(5, 0, "at the end");
-    for (const unsigned at : {6U, 700U, none}) {
-        EXPECT_EQ(table->insert_records(at, 1), 1);
-        EXPECT_STREQ(table->get_field(table->get_num_records() - 1, 0), "");
-    }
-    EXPECT_EQ(table->insert_records(0, 0), 0);
-    EXPECT_EQ(columnOf(*table, 0), (Texts{"0", "", "", "1", "2", "at the end", "", "", ""}));
-    EXPECT_EQ(table->get_changed(), 1);
-    table->delete_records(1, 2);
-    EXPECT_EQ(notices.taken(), "recordsDeleted {1 2 }");
-    for (unsigned i = 0; i < table->get_num_records(); ++i) {
-        EXPECT_EQ(table->get_record(i)->get_container(), table.get());
-        EXPECT_EQ(table->get_record(i)->nfields(), 1);
-    }
-}
-
-TEST(TableRows, DeletingAnnouncesOnce) {
-    const auto table = numberedTable(10);
-    NoticeRecorder notices{*table};
-    EXPECT_EQ(table->delete_records(2, 3), 3);
-    EXPECT_EQ(notices.taken(), "recordsDeleted {2 3 4 }");
-    EXPECT_EQ(columnOf(*table, 0), (Texts{"0", "1", "5", "6", "7", "8", "9"}));
-    EXPECT_EQ(table->get_changed(), 1);
-    table->clear_changed();
-    for (const unsigned from : {7U, 8U, none}) {
-        EXPECT_EQ(table->delete_records(from, 1) + table->delete_records(from, none), 0);
-    }
-    EXPECT_EQ(table->delete_records(0, 0), 0);
-    EXPECT_EQ(notices.taken(), "");
-    EXPECT_EQ(table->get_changed(), 0);
-    EXPECT_EQ(table->delete_records(5, none), 2);
-    EXPECT_EQ(table->delete_records(2, 0xFFFFFFFEU), 3);
-    EXPECT_EQ(notices.taken(), "recordsDeleted {5 6 } recordsDeleted {2 3 4 }");
-    EXPECT_EQ(columnOf(*table, 0), (Texts{"0", "1"}));
-}
-
-TEST(TableRows, TaggedRowsGoRunByRun) {
-    struct Case {
-        const char* tags;
-        const char* notices;
-        Texts left;
-    };
-    const Case cases[] = {
-        {"101101", "recordsDeleted {0 } recordsDeleted {1 2 } recordsDeleted {2 }", {"1", "4"}},
-        {"1111", "recordsDeleted {0 1 2 3 }", {}},
-        {"0110", "recordsDeleted {1 2 }", {"0", "3"}},
-        {"000", "", {"0", "1", "2"}},
-        {"", "", {}},
-    };
-    for (const Case& c : cases) {
-        for (const bool heard : {true, false}) {
-            SCOPED_TRACE(c.tags + std::string{heard ? " heard" : " unheard"});
-            const std::string tags = c.tags;
-            const auto table = numberedTable(static_cast<unsigned>(tags.size()));
-            setTags(*table, tags);
-            NoticeRecorder notices;
-            if (heard) {
-                notices.watch(*table);
-            }
-            const auto deleted = static_cast<int>(tags.size() - c.left.size());
-            EXPECT_EQ(table->delete_tagged_records(), deleted);
-            EXPECT_EQ(notices.taken(), heard ? c.notices : "");
-            EXPECT_EQ(columnOf(*table, 0), c.left);
-            EXPECT_EQ(table->get_changed(), deleted != 0 ? 1 : 0);
-        }
-    }
 }
 
 /// Counts and tags are taken anew after each notice.
@@ -166,16 +68,6 @@ TEST(TableRows, AListenerThatEmptiesTheTable) {
     EXPECT_EQ(notices.taken(), "recordsDeleted {0 } recordsDeleted {0 1 2 3 4 }");
 }
 
-TEST(TableRows, ListenersSeeTheRowsGone) {
-    const auto table = numberedTable(4);
-    Texts seen;
-    NoticeRecorder notices;
-    notices.watch(*table, "", [&] { seen = columnOf(*table, 0); });
-    table->delete_records(1, 2);
-    EXPECT_EQ(seen, (Texts{"0", "3"}));
-    EXPECT_EQ(notices.taken(), "recordsDeleted {1 2 }");
-}
-
 TEST(TableRows, CopiesOfATable) {
     const auto source = makeTable({"a", "b"}, {{" x", "1"}, {"y", "2"}, {"z", "3"}});
     source->set_filename(LightweightString<wchar_t>{L"somewhere"});
@@ -184,7 +76,6 @@ TEST(TableRows, CopiesOfATable) {
     setTags(*source, "011");
 
     oledb bare{*source, 0};
-    EXPECT_EQ(bare.get_valid(), 1);
     EXPECT_EQ(bare.get_num_records(), 0U);
     EXPECT_EQ(paramsOf(bare), (Texts{"OLEDB=Rev 1", "Owner=suite 2"}));
     EXPECT_EQ(bare.get_filename().size(), 0U);
@@ -192,7 +83,6 @@ TEST(TableRows, CopiesOfATable) {
     oledb whole{*source, 1};
     EXPECT_EQ(rowsOf(whole), (Rows{{" x", "1"}, {"y", "2"}, {"z", "3"}}));
     EXPECT_EQ(tagsOf(whole), "000");
-    EXPECT_TRUE(whole.sameColumns(source.get()));
     whole.clear_changed();
     EXPECT_EQ(whole.get_record(0)->get_container(), &whole);
     whole.get_record(0)->set_field(0, "q", true);
@@ -201,28 +91,23 @@ TEST(TableRows, CopiesOfATable) {
     source->set_show_tags_only(1);
     oledb shown{*source, 1};
     EXPECT_EQ(columnOf(shown, 0), (Texts{"y", "z"}));
-    EXPECT_EQ(shown.get_show_tags_only(), 0);
 
     const auto extra = descriptors({"c", {"d", DBFieldTypes::DATE}});
     oledb wider{*source, extra.data()};
     EXPECT_EQ(rowsOf(wider), (Rows{{"y", "2", "", ""}, {"z", "3", "", ""}}));
     EXPECT_EQ(wider.get_fieldnum("D"), 3);
     EXPECT_EQ(wider.get_field_type(3), DBFieldTypes::DATE);
-    EXPECT_EQ(wider.get_num_params(), 0U);
-    EXPECT_EQ(wider.get_valid(), 1);
 }
 
 TEST(TableRows, CopiesOutliveTheirSource) {
     auto source = makeTable({{"a", DBFieldTypes::DATE}}, {{"x"}});
     oledb copy{*source, 1};
-    const auto target = makeTable({{"a", DBFieldTypes::DATE}}, {{"old"}});
-    target->copy_record(0, source.get(), 0);
+    const auto target = makeTable({{"a", DBFieldTypes::DATE}});
     EXPECT_EQ(target->add_oledb(source.get()), 1);
     source.reset();
     EXPECT_EQ(copy.get_record(0)->types()[0], DBFieldTypes::DATE);
-    EXPECT_EQ(target->get_record(1)->types()[0], DBFieldTypes::DATE);
-    EXPECT_EQ(columnOf(*target, 0), (Texts{"x", "x"}));
-    copy.sort(1, 0);
+    EXPECT_EQ(target->get_record(0)->types()[0], DBFieldTypes::DATE);
+    EXPECT_EQ(columnOf(*target, 0), (Texts{"x"}));
     copy.sort(-1, 0);
 }
 
@@ -233,14 +118,11 @@ TEST(TableRows, ColumnsBeyond256AreLeftOut) {
     }
     const auto table = makeTable(many, {Texts(256, "v")});
     EXPECT_EQ(table->get_num_fields(), 256U);
-    EXPECT_STREQ(table->get_fieldname(255), "c255");
-    EXPECT_STREQ(table->get_field(0, 255), "v");
     EXPECT_EQ(table->get_field(0, 256), nullptr);
     EXPECT_EQ(table->addField({"more", DBFieldTypes::TEXT}), -1);
     const auto extra = descriptors({"x", "y"});
     oledb wider{*table, extra.data()};
     EXPECT_EQ(wider.get_num_fields(), 256U);
-    EXPECT_EQ(wider.get_fieldnum("x"), -1);
     EXPECT_EQ(rowsOf(wider), (Rows{Texts(256, "v")}));
 }
 
@@ -248,24 +130,16 @@ TEST(TableRows, AppendingATable) {
     const auto source = makeTable({"A", "b"}, {{"x", "1"}, {"y", "2"}});
     const auto same = makeTable({"a", "B"}, {{"w", "0"}});
     same->set_tag(0, 1);
-    NoticeRecorder notices{*same};
-    EXPECT_EQ(same->add_oledb(source.get()), 2);
-    EXPECT_EQ(rowsOf(*same), (Rows{{"w", "0"}, {"x", "1"}, {"y", "2"}}));
-    EXPECT_EQ(same->get_record(2)->get_container(), same.get());
-    EXPECT_EQ(same->add_oledb(same.get()), 3);
-    EXPECT_EQ(tagsOf(*same), "100000");
+    EXPECT_EQ(same->add_oledb(same.get()), 1);
+    EXPECT_EQ(tagsOf(*same), "10");
+    EXPECT_EQ(same->get_record(1)->get_container(), same.get());
     source->set_tag(1, 1);
     source->set_show_tags_only(1);
     EXPECT_EQ(same->add_oledb(source.get()), 1);
-    EXPECT_STREQ(same->get_field(6, 0), "y");
-
+    EXPECT_EQ(rowsOf(*same), (Rows{{"w", "0"}, {"w", "0"}, {"y", "2"}}));
     EXPECT_EQ(makeTable({"a"})->add_oledb(source.get()), -1);
     EXPECT_EQ(makeTable({"a", "c"})->add_oledb(source.get()), -1);
     EXPECT_EQ(makeTable({"a", {"b", DBFieldTypes::DATE}})->add_oledb(source.get()), -1);
-    const auto empty = makeTable({"a", "b"});
-    EXPECT_EQ(same->add_oledb(empty.get()), 0);
-    same->set_show_tags_only(1);
-    EXPECT_EQ(same->add_oledb(empty.get()), -1);
 }
 
 TEST(TableRows, CopyingSingleRecords) {
@@ -286,11 +160,6 @@ TEST(TableRows, CopyingSingleRecords) {
     table->copy_record(1, &own);
     EXPECT_EQ(valuesOf(*table->get_record(1)), (Texts{"", "own"}));
     table->copy_record(1, static_cast<dbrecord*>(nullptr));
-    for (const int wild : {-1, 2, std::numeric_limits<int>::max()}) {
-        table->copy_record(wild, &own);
-        table->copy_record(wild, table.get(), 0);
-        table->copy_record(0, table.get(), wild);
-    }
     table->copy_record(0, nullptr, 0);
     EXPECT_EQ(rowsOf(*table), (Rows{{"n"}, {"", "own"}}));
 }
@@ -342,6 +211,10 @@ TEST(TableRows, NumbersOutsideAreRefusedEverywhere) {
             EXPECT_EQ(table->get_param_value(row), nullptr);
             EXPECT_EQ(table->baseIndex(col), col);
             table->setFieldWidth(row, 5);
+            dbrecord own{2};
+            table->copy_record(col, &own);
+            table->copy_record(col, table.get(), 0);
+            table->copy_record(0, table.get(), col);
             table->set_sortfield(col);
             table->sort(1, 0);
         }
@@ -357,35 +230,26 @@ TEST(TableRows, NumbersOutsideAreRefusedEverywhere) {
 }
 
 TEST(TableRows, InFieldReadsTheTextOfACell) {
-    const auto table = makeTable({"v"}, {{"12abc"}, {" -3.75e1x"}, {"true"}, {"T"}, {""}, {"f"}});
-    const auto read = [&](unsigned row) {
+    struct Case {
+        const char* text;
+        int number;
+        double seconds;
+        bool flag;
+    };
+    for (const Case& c :
+         {Case{"12abc", 12, 12, false}, Case{" -3.75e1x", -3, -37.5, false},
+          Case{"true", 0, 0, true}, Case{"T", 0, 0, false}, Case{"", 0, 0, false}}) {
+        const auto table = makeTable({"v"}, {{c.text}});
         int number = 99;
         double seconds = 99;
-        bool flag = false;
-        EXPECT_EQ(table->in_field(row, 0, number) + table->in_field(row, 0, seconds) +
-                      table->in_field(row, 0, flag),
+        bool flag = !c.flag;
+        EXPECT_EQ(table->in_field(0, 0, number) + table->in_field(0, 0, seconds) +
+                      table->in_field(0, 0, flag),
                   3);
-        return std::to_string(number) + " " + std::to_string(seconds) + (flag ? " t" : " f");
-    };
-    EXPECT_EQ(read(0), "12 12.000000 f");
-    EXPECT_EQ(read(1), "-3 -37.500000 f");
-    EXPECT_EQ(read(2), "0 0.000000 t");
-    EXPECT_EQ(read(3), "0 0.000000 f");
-    EXPECT_EQ(read(4), "0 0.000000 f");
-    char text[] = "######";
-    EXPECT_EQ(table->in_field(0, 0, text, 2), 1);
-    EXPECT_EQ(std::string(text, 6), std::string("12\0###", 6));
-    EXPECT_EQ(table->in_field(0, 0, text, -1), 0);
-    EXPECT_EQ(table->in_field(0, 0, nullptr, 3), 0);
-}
-
-TEST(TableRows, DummyRecordsAndSpace) {
-    const auto table = makeTable({{"a", DBFieldTypes::DATE}, "b"}, {{"ab", "c"}, {"", ""}});
-    const std::unique_ptr<dbrecord> dummy{table->make_dummy_record()};
-    EXPECT_EQ(dummy->size(), 2);
-    EXPECT_EQ(dummy->get_container(), nullptr);
-    EXPECT_EQ(dummy->types()[0], DBFieldTypes::DATE);
-    EXPECT_EQ(table->get_space_used(), 2U * 5U + 2U * 2U);
+        EXPECT_EQ(number, c.number) << c.text;
+        EXPECT_EQ(seconds, c.seconds) << c.text;
+        EXPECT_EQ(flag, c.flag) << c.text;
+    }
 }
 
 TEST(TableRows, FreeKeepsListenersAndFileName) {
@@ -397,20 +261,18 @@ TEST(TableRows, FreeKeepsListenersAndFileName) {
     dbrecord query{2};
     table->set_query(&query);
     NoticeRecorder notices{*table};
-    table->free();
+    for (int twice = 0; twice < 2; ++twice) {
+        table->free();
+    }
     EXPECT_EQ(table->get_num_records() + table->get_num_fields() + table->get_num_params(), 0U);
     EXPECT_EQ(table->get_valid(), 0);
     EXPECT_EQ(table->get_capacity(), 0U);
-    EXPECT_EQ(table->get_fieldnum("a"), -1);
     EXPECT_EQ(table->get_filename(), L"name");
-    EXPECT_EQ(notices.taken(), "");
     table->add_records(2);
     EXPECT_EQ(table->match_record(0), -1) << "the query is forgotten";
     table->sort(1, 0);
     table->delete_records(0, 1);
     EXPECT_EQ(notices.taken(), "recordsDeleted {0 }");
-    table->free();
-    table->free();
 }
 
 } // namespace

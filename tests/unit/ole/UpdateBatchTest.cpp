@@ -17,40 +17,6 @@ std::string changed(const Texts& cookies) {
     return "recordsChanged {" + text + "}";
 }
 
-TEST(UpdateBatch, OneNoticeAtTheOutermostEnd) {
-    oledb table;
-    NoticeRecorder notices{table};
-    table.endUpdate();
-    table.beginUpdate();
-    table.endUpdate();
-    EXPECT_EQ(notices.taken(), "") << "nothing gathered, nothing sent";
-    table.beginUpdate();
-    table.addToUpdate(cookieNo(2));
-    table.beginUpdate();
-    table.addToUpdate(cookieNo(1));
-    table.endUpdate();
-    EXPECT_EQ(notices.taken(), "");
-    table.addToUpdate(cookieNo(2));
-    table.endUpdate();
-    EXPECT_EQ(notices.taken(), changed({cookieText(2), cookieText(1), cookieText(2)}))
-        << "in order, repeats kept";
-    table.endUpdate();
-    table.beginUpdate();
-    table.endUpdate();
-    EXPECT_EQ(notices.taken(), "");
-}
-
-TEST(UpdateBatch, NotesOutsideABatchAreDroppedByTheNext) {
-    oledb table;
-    NoticeRecorder notices{table};
-    table.addToUpdate(cookieNo(1));
-    table.endUpdate();
-    table.beginUpdate();
-    table.addToUpdate(cookieNo(2));
-    table.endUpdate();
-    EXPECT_EQ(notices.taken(), changed({cookieText(2)}));
-}
-
 TEST(UpdateBatch, AListenerMayBeginTheNextBatch) {
     oledb table;
     NoticeRecorder notices;
@@ -111,22 +77,6 @@ TEST(UpdateBatch, UpdateNotesTheRowsCookie) {
     EXPECT_FALSE(unnamed->update(&block, 0));
     const auto noCookies = makeTable({"name", "notes"}, {{"a", "n"}});
     EXPECT_TRUE(noCookies->update(&block, 0));
-}
-
-TEST(UpdateBatch, OtherEditsSendNothing) {
-    const auto table = makeTable({"name"}, {{"b"}, {"a"}});
-    NoticeRecorder notices{*table};
-    table->beginUpdate();
-    table->set_field(0, 0, "c");
-    table->add_records(2);
-    table->insert_records(0, 1);
-    table->sort(1, 0);
-    table->set_all_tags(1);
-    table->add_param("p", "v");
-    table->addField({"x", DBFieldTypes::TEXT});
-    table->clear_changed();
-    table->endUpdate();
-    EXPECT_EQ(notices.taken(), "");
 }
 
 } // namespace

@@ -1,0 +1,653 @@
+#pragma once
+
+// Tables, views and listeners as plain vectors, each operation in its plainest form. Operations
+// have the names of the module, so that one piece of test code drives both.
+
+#include "support/CompareModel.h"
+#include "support/SearchModel.h"
+#include "support/TableModel.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// Calls its listeners in the order in which they came; one that comes during a round waits.
+class NotifierModel {
+public:
+    using Listener = std::function<void(const std::string& type, const std::string& text)>;
+    using Registration = std::shared_ptr<const Listener>;
+
+    [[nodiscard]] Registration listen(Listener listener) {
+        auto registration = std::make_shared<const Listener>(std::move(listener));
+        listeners_.push_back(registration);
+        return registration;
+    }
+    void issue(const std::string& type, const std::string& text) {
+        std::erase_if(listeners_, [](const auto& listener) { return listener.expired(); });
+        const auto round = listeners_;
+        for (const auto& listener : round) {
+            if (const auto registered = listener.lock()) {
+                (*registered)(type, text);
+            }
+        }
+    }
+
+private:
+    std::vector<std::weak_ptr<const Listener>> listeners_;
+};
+
+/// What a view stands on.
+class SourceModel {
+public:
+    virtual ~SourceModel() = default;
+    [[nodiscard]] virtual unsigned get_num_records() const = 0;
+    /// The table's row behind a row, if there is one.
+    [[nodiscard]] virtual std::optional<unsigned> record(unsigned row) const = 0;
+    virtual int get_tag(unsigned row) = 0;
+    virtual int set_tag(unsigned row, int tag) = 0;
+    virtual int get_num_tags() = 0;
+    virtual int insert_records(unsigned at, unsigned n) = 0;
+    virtual int delete_records(unsigned from, unsigned n) = 0;
+    virtual int add_records(int n) = 0;
+    virtual int findFirst(const char* field, const char* value, int n) = 0;
+    [[nodiscard]] virtual int match_record(int row) const = 0;
+    virtual int baseIndex(int row) = 0;
+
+    NotifierModel notifier;
+};
+
+/// A table of the columns "Tag" or "id", and "Cookie".
+class GroundModel : public SourceModel {
+public:
+    explicit GroundModel(std::string firstColumn) : firstColumn_{std::move(firstColumn)} {}
+
+    [[nodiscard]] bool hasTagField() const { return firstColumn_ == "Tag"; }
+    /// The values of a row that the table shows.
+    [[nodiscard]] Texts values(unsigned row) const {
+        const auto* const found = const_cast<TableModel&>(rows).at(row);
+        return {found->value, found->cookie};
+    }
+    [[nodiscard]] unsigned get_num_records() const override { return rows.count(); }
+    [[nodiscard]] std::optional<unsigned> record(unsigned row) const override {
+        return row < rows.count() ? std::optional{row} : std::nullopt;
+    }
+    int get_tag(unsigned row) override { return rows.at(row) ? rows.at(row)->tag : -1; }
+    int set_tag(unsigned row, int tag) override {
+        if (!rows.at(row)) {
+            return 0;
+        }
+        rows.at(row)->tag = tag;
+        return 1;
+    }
+    int get_num_tags() override {
+        int n = 0;
+        for (unsigned i = 0; i < rows.count(); ++i) {
+            n += get_tag(i) != 0 ? 1 : 0;
+        }
+        return n;
+    }
+    int insert_records(unsigned at, unsigned n) override {
+        return n == 0 ? 0 : rows.insertRows(at, n); // none: cookies stay known
+    }
+    int add_records(int n) override { return rows.addRows(n); }
+    int delete_records(unsigned from, unsigned n) override {
+        const int deleted = rows.deleteRows(from, n);
+        const std::string sent = std::exchange(rows.notices, {}); // "recordsDeleted {3 4 }"
+        if (!sent.empty()) {
+            notifier.issue("recordsDeleted", sent.substr(16, sent.size() - 17));
+        }
+        return deleted;
+    }
+    int delete_tagged_records() {
+        if (rows.tagsOnly) {
+            return -1;
+        }
+        int deleted = 0;
+        int start = -1;
+        for (int i = 0; i <= static_cast<int>(rows.count()); ++i) {
+            if (get_tag(static_cast<unsigned>(i)) == 1) {
+                start = start < 0 ? i : start;
+            } else if (start >= 0) {
+                deleted += i - start;
+                delete_records(static_cast<unsigned>(start), static_cast<unsigned>(i - start));
+                i = std::exchange(start, -1);
+            }
+        }
+        return deleted;
+    }
+    /// All rows are searched, shown or not. Callers see to it that cookies are not stale.
+    int findFirst(const char* field, const char* value, int) override {
+        const bool byCookie = std::string{"Cookie"} == field;
+        const int row = byCookie ? *rows.rowOf(value) : -1;
+        if (row >= 0 || (!byCookie && field != firstColumn_)) {
+            return row;
+        }
+        for (unsigned i = 0; i < rows.rows.size(); ++i) {
+            if ((byCookie ? rows.rows[i].cookie : rows.rows[i].value) == value) {
+                return static_cast<int>(i);
+            }
+        }
+        return -1;
+    }
+    [[nodiscard]] int match_record(int row) const override {
+        const auto found = record(static_cast<unsigned>(row));
+        return found ? SearchModel{}.found(values(*found)[0], query) : -1;
+    }
+    int baseIndex(int row) override { return row; }
+    int set_show_tags_only(int on) {
+        rows.show(on != 0);
+        return on != 0 ? static_cast<int>(rows.count()) : 0;
+    }
+    int set_field(unsigned row, unsigned, const char* text) {
+        if (!rows.at(row)) {
+            return 0;
+        }
+        rows.at(row)->value = text;
+        return 1;
+    }
+    void sort(int direction, int force) {
+        const auto before = comparison(direction, force);
+        std::stable_sort(rows.rows.begin(), rows.rows.end(), [&](const auto& a, const auto& b) {
+            return before({a.value, a.cookie}, {b.value, b.cookie}) < 0;
+        });
+        if (rows.tagsOnly) {
+            rows.snapshot();
+        }
+        rows.cookiesStale = rows.cookiesStale || !rows.cookies.empty();
+    }
+    /// Keys that are no columns end the list for good.
+    std::function<int(const Texts&, const Texts&)> comparison(int direction, int force) {
+        const auto outside = [](int key) { return key < 0 || key >= 2; };
+        order.keys.erase(std::find_if(order.keys.begin(), order.keys.end(), outside),
+                         order.keys.end());
+        CompareModel model = order;
+        model.force = force != 0;
+        return [model, direction](const Texts& a, const Texts& b) {
+            return direction >= 0 ? model.ascending(a, b) : model.descending(a, b);
+        };
+    }
+
+    TableModel rows;
+    std::string query;
+    CompareModel order{{0}};
+
+private:
+    std::string firstColumn_;
+};
+
+class ViewModel : public SourceModel, public std::enable_shared_from_this<ViewModel> {
+public:
+    explicit ViewModel(GroundModel& table) : db_{&table} { fromTable_ = hear(table); }
+
+    /// One that leads back here is not taken.
+    void baseView(const std::shared_ptr<ViewModel>& base) {
+        for (const ViewModel* level = base.get(); level; level = level->base_.get()) {
+            if (level == this) {
+                return;
+            }
+        }
+        if (base == base_) {
+            return;
+        }
+        clear();
+        fromBase_ = base ? hear(*base) : nullptr;
+        base_ = base;
+    }
+    [[nodiscard]] ViewModel* baseView() const { return base_.get(); }
+
+    // -- the index --
+
+    void clear() {
+        entries_.clear();
+        count_ = 0;
+    }
+    void sizeIndexFor(int n) {
+        if (n == 0) {
+            entries_.clear();
+            return;
+        }
+        const int need = std::max(n, 20);
+        int size = capacity();
+        if (size >= need) {
+            if (need * 2 >= size) {
+                return;
+            }
+            size /= 2;
+        } else {
+            size = std::max(size * 2, need);
+        }
+        if (size == capacity()) {
+            return;
+        }
+        const int copied = size < count_ ? need : count_;
+        std::vector<Entry> fresh(static_cast<std::size_t>(size));
+        std::copy_n(entries_.begin(), std::min(copied, capacity()), fresh.begin());
+        entries_ = fresh;
+    }
+    int append(int row) {
+        sizeIndexFor(count_ + 1);
+        at(count_).row = static_cast<std::uint32_t>(row);
+        return count_++;
+    }
+    void buildIndex() {
+        count_ = 0;
+        for (unsigned i = 0; i < source().get_num_records(); ++i) {
+            append(static_cast<int>(i));
+        }
+    }
+    [[nodiscard]] int count() const { return count_; }
+    [[nodiscard]] int capacity() const { return static_cast<int>(entries_.size()); }
+    [[nodiscard]] int sourceRow(int i) const {
+        return isPosition(i) ? static_cast<int>(at(i).row) : 0;
+    }
+    int baseIndex(int i) override { return isPosition(i) ? source().baseIndex(sourceRow(i)) : 0; }
+    [[nodiscard]] int findViewIndexForBaseRow(unsigned long row) const {
+        int i = 0;
+        while (isPosition(i) && static_cast<unsigned long>(long{sourceRow(i)}) != row) {
+            ++i;
+        }
+        return isPosition(i) ? i : -1;
+    }
+    [[nodiscard]] std::optional<unsigned> record(unsigned i) const override {
+        return isPosition(static_cast<int>(i)) ? source().record(at(static_cast<int>(i)).row)
+                                               : std::nullopt;
+    }
+    [[nodiscard]] bool allResolve() const {
+        int i = 0;
+        while (i < count_ && record(static_cast<unsigned>(i))) {
+            ++i;
+        }
+        return i == count_;
+    }
+    [[nodiscard]] int find(std::optional<unsigned> row) const {
+        for (int i = 0; row && i < count_; ++i) {
+            if (record(static_cast<unsigned>(i)) == row) {
+                return i;
+            }
+        }
+        return -1;
+    }
+    /// Takes over an order, or tags, that the rules leave open.
+    template <class View>
+    void adopt(View& other) {
+        for (int i = 0; isPosition(i); ++i) {
+            at(i).row = static_cast<std::uint32_t>(other.sourceRow(i));
+            at(i).tag = other.tag(i);
+        }
+    }
+
+    // -- tags --
+
+    bool tag(int i) { return isPosition(i) && at(i).tag; }
+    int set_tag(unsigned i, int v) override {
+        if (!isPosition(static_cast<int>(i))) {
+            return 0;
+        }
+        at(static_cast<int>(i)).tag = v != 0;
+        return 1;
+    }
+    int invert_tag(unsigned i) { return set_tag(i, get_tag(i) == 0 ? 1 : 0); }
+    int get_tag(unsigned i) override { return tag(static_cast<int>(i)) ? 1 : 0; }
+    int get_num_tags() override {
+        int n = 0;
+        each([&n](Entry& entry) { n += entry.tag ? 1 : 0; });
+        return n;
+    }
+    int tagAll(bool on) {
+        return each([on](Entry& entry) { entry.tag = on; });
+    }
+    int set_all_tags(int v) { return tagAll(v != 0); }
+    int invert_all_tags() {
+        return each([](Entry& entry) { entry.tag = !entry.tag; });
+    }
+    int tagMatches(int keep) {
+        int n = 0;
+        each([&](Entry& entry) {
+            const bool matches = source().match_record(static_cast<int>(entry.row)) != 0;
+            n += matches ? 1 : 0;
+            entry.tag = matches || (keep != 0 && entry.tag);
+        });
+        return n;
+    }
+    int tag_matching_records(int) { return tagMatches(0); }
+    int tagDuplicatesOrdered(int field) {
+        int last = 0;
+        int n = 0;
+        for (int i = 1; i < count_; ++i) {
+            if (compareIgnoringCase(text(last, field).c_str(), text(i, field).c_str()) == 0) {
+                set_tag(static_cast<unsigned>(i), 1);
+                ++n;
+            } else {
+                last = i;
+            }
+        }
+        return n;
+    }
+    int tagDuplicates(int field) {
+        const auto ordered = std::make_shared<ViewModel>(*db_);
+        ordered->baseView(shared_from_this());
+        ordered->displayAllRecords();
+        set_sortfield(field);
+        ordered->sort(1, 0);
+        const int n = ordered->tagDuplicatesOrdered(field);
+        ordered->tagBaseFromTags();
+        return n;
+    }
+    int tag_all_different(int field) {
+        tagDuplicates(field);
+        invert_all_tags();
+        return get_num_tags();
+    }
+    void tagBaseFromTags() {
+        each([this](Entry& entry) { source().set_tag(entry.row, entry.tag ? 1 : 0); });
+    }
+    void setupViewTagsFromOledbTagField() {
+        displayAllRecords();
+        for (unsigned i = 0; db_->hasTagField() && i < source().get_num_records(); ++i) {
+            const auto row = source().record(i);
+            set_tag(i, row ? std::atoi(db_->values(*row)[0].c_str()) : 0);
+        }
+    }
+    void displayAllRecordsWithBaseTagStatus() {
+        displayAllRecords();
+        for (unsigned i = 0; db_->hasTagField() && i < source().get_num_records(); ++i) {
+            set_tag(i, source().get_tag(i));
+        }
+    }
+
+    // -- display --
+
+    int displayRecordsAt(int row, int n, int where) {
+        if (n < 0 || n > INT_MAX - count_) {
+            return 0;
+        }
+        const int first = makeGap(where, n);
+        for (int i = 0; i < n; ++i) {
+            at(first + i).row = static_cast<std::uint32_t>(row) + static_cast<std::uint32_t>(i);
+        }
+        return n;
+    }
+    bool displayMatchAt(const char* field, const char* value, int where) {
+        const int row = source().findFirst(field, value, 0);
+        if (row < 0) {
+            return false;
+        }
+        displayRecordsAt(row, 1, where);
+        return true;
+    }
+    int displayRecordsAt(const std::vector<Cookie>& cookies, int where) {
+        int shown = 0;
+        for (const Cookie& cookie : cookies) {
+            const int pos = where > INT_MAX - shown ? INT_MAX : where + shown;
+            shown += displayMatchAt("Cookie", cookie.asString(false).c_str(), pos) ? 1 : 0;
+        }
+        return shown;
+    }
+    void displayTaggedRecordsAt(int where) {
+        int next = makeGap(where, source().get_num_tags());
+        for (unsigned i = 0; i < source().get_num_records(); ++i) {
+            if (source().get_tag(i) != 0) {
+                at(next++).row = i;
+            }
+        }
+    }
+    void displayAllRecords() {
+        remove(0, count_);
+        displayRecordsAt(0, static_cast<int>(source().get_num_records()), 0);
+    }
+    int displayAllFromAt(ViewModel* other, int where) {
+        if (base_ || !other || other->base_ || other->db_ != db_) {
+            return 0;
+        }
+        int added = 0;
+        for (int i = 0; i < other->count_; ++i) {
+            const auto row = other->record(static_cast<unsigned>(i));
+            if (row && find(row) < 0) {
+                const int pos = where > INT_MAX - added ? INT_MAX : where + added;
+                added += displayRecordsAt(other->baseIndex(i), 1, pos);
+            }
+        }
+        return added;
+    }
+
+    // -- removal, insertion, deletion --
+
+    void remove(int from, int n) {
+        if (from < 0 || from >= count_ || n < 0) {
+            return;
+        }
+        n = std::min(n, count_ - from);
+        for (int i = from; isPosition(i + n); ++i) {
+            at(i) = at(i + n);
+        }
+        sizeIndexFor(count_ - n);
+        count_ -= n;
+        std::string text;
+        for (int k = 0; k < n; ++k) {
+            text += std::to_string(from + k) + " ";
+        }
+        notifier.issue("recordsDeleted", text);
+    }
+    void removeRecordsFromBaseView(int from, int n) {
+        for (int k = room(from, n); k >= 1; k = room(from, n)) {
+            if (!base_) {
+                remove(from, k);
+                return;
+            }
+            if (!isPosition(from)) {
+                return;
+            }
+            const int r = runLength(from, k);
+            base_->removeRecordsFromBaseView(sourceRow(from), r);
+            n = k - r;
+        }
+    }
+    int removeTagged() { return removeSome(true); }
+    int removeNonTagged() { return removeSome(false); }
+    int delete_tagged_records() { return removeSome(true) * 0; }
+    int set_show_tags_only(int) { return removeSome(false); }
+    int insertBlankRecords(int where, int n) {
+        if (n < 0 || n > INT_MAX - count_) {
+            return 0;
+        }
+        const int p = std::clamp(where, 0, count_);
+        unsigned first = static_cast<unsigned>(sourceRow(p));
+        if (p == count_) {
+            first = source().get_num_records();
+            source().add_records(n);
+        } else {
+            source().insert_records(first, static_cast<unsigned>(n));
+        }
+        makeGap(p, n);
+        for (int i = p; i < count_; ++i) {
+            const auto step = static_cast<unsigned>(i - p);
+            at(i).row = i < p + n ? first + step : at(i).row + static_cast<unsigned>(n);
+        }
+        return n;
+    }
+    int insert_records(unsigned where, unsigned n) override {
+        return insertBlankRecords(static_cast<int>(where), static_cast<int>(n));
+    }
+    int add_records(int n) override {
+        const int first = count_;
+        insertBlankRecords(first, n);
+        return first;
+    }
+    int deleteRecords(int from, int n) {
+        int handled = 0;
+        for (int k = room(from, n); k >= 1 && isPosition(from); k = room(from, n)) {
+            const int r = runLength(from, k);
+            source().delete_records(at(from).row, static_cast<unsigned>(r));
+            handled += r;
+            n = k - r;
+        }
+        return handled;
+    }
+    int delete_records(unsigned from, unsigned n) override {
+        return deleteRecords(static_cast<int>(from), static_cast<int>(n));
+    }
+    int deleteTagged() {
+        return byRuns(true, [this](int start, int n) { deleteRecords(start, n); });
+    }
+
+    // -- order, copies, values --
+
+    /// Where a record is missing the rules leave the order open, and nothing is done here.
+    void sort(int direction, int force) {
+        const auto before = db_->comparison(direction, force);
+        if (!allResolve()) {
+            return;
+        }
+        const auto values = [this](const Entry& e) { return db_->values(*source().record(e.row)); };
+        std::stable_sort(entries_.begin(), entries_.begin() + count_,
+                         [&](auto& a, auto& b) { return before(values(a), values(b)) < 0; });
+    }
+    void set_sortfield(int field) { db_->order.keys = {field}; }
+    void set_sortfields(const int* keys) { db_->order.keys = {keys[0], keys[1]}; }
+    void set_sort_offset(int offset) { db_->order.offset = offset; }
+    std::shared_ptr<ViewModel> copy() {
+        const auto view = std::make_shared<ViewModel>(*db_);
+        if (base_) {
+            view->baseView(base_);
+            view->displayAllRecords();
+        } else {
+            view->displayAllFromAt(this, 0);
+        }
+        for (int i = 0; isPosition(i); ++i) {
+            view->set_tag(static_cast<unsigned>(i), tag(i) ? 1 : 0);
+        }
+        return view;
+    }
+    std::shared_ptr<ViewModel> newTagSubview() {
+        const auto view = std::make_shared<ViewModel>(*db_);
+        view->baseView(shared_from_this());
+        view->displayTaggedRecordsAt(0);
+        return view;
+    }
+    int set_field(unsigned r, unsigned col, const char* text) {
+        const int i = static_cast<int>(r);
+        if (!isPosition(i)) {
+            return 0;
+        }
+        return base_ ? base_->set_field(at(i).row, col, text)
+                     : db_->set_field(at(i).row, col, text);
+    }
+    [[nodiscard]] unsigned get_num_records() const override {
+        return static_cast<unsigned>(count_);
+    }
+    int findFirst(const char* field, const char* value, int) override {
+        return source().findFirst(field, value, 0);
+    }
+    [[nodiscard]] int match_record(int row) const override { return source().match_record(row); }
+
+private:
+    struct Entry {
+        std::uint32_t row = 0;
+        bool tag = false;
+    };
+
+    [[nodiscard]] SourceModel& source() const {
+        return base_ ? static_cast<SourceModel&>(*base_) : *db_;
+    }
+    /// The count may exceed the storage.
+    [[nodiscard]] bool isPosition(int i) const {
+        return i >= 0 && i < std::min(count_, capacity());
+    }
+    template <class Code>
+    int each(Code code) {
+        std::for_each_n(entries_.begin(), std::min(count_, capacity()), code);
+        return count_;
+    }
+    [[nodiscard]] Entry& at(int i) { return entries_.at(static_cast<std::size_t>(i)); }
+    [[nodiscard]] const Entry& at(int i) const { return entries_.at(static_cast<std::size_t>(i)); }
+    [[nodiscard]] std::string text(int i, int field) const {
+        const auto row = record(static_cast<unsigned>(i));
+        return row && field >= 0 && field < 2 ? db_->values(*row)[static_cast<std::size_t>(field)]
+                                              : "";
+    }
+    /// Moves the entries from a position on up by n and returns the position, brought into range.
+    int makeGap(int where, int n) {
+        const int first = std::clamp(where, 0, count_);
+        sizeIndexFor(count_ + n);
+        for (int i = count_ - 1; i >= first; --i) {
+            at(i + n) = at(i);
+        }
+        count_ += n;
+        return first;
+    }
+    [[nodiscard]] int room(int from, int n) const {
+        return from < 0 || from >= count_ ? 0 : std::min(n, count_ - from);
+    }
+    [[nodiscard]] int runLength(int from, int k) const {
+        int r = 1;
+        for (int j = from; j < k - 1 && isPosition(j + 1) && at(j).row + 1 == at(j + 1).row; ++j) {
+            ++r;
+        }
+        return r;
+    }
+    template <class Handle>
+    int byRuns(bool tagged, Handle handle) {
+        int start = -1;
+        int n = 0;
+        int i = 0;
+        for (; i < count_; ++i) {
+            if (tag(i) == tagged) {
+                start = start < 0 ? i : start;
+            } else if (start >= 0) {
+                handle(start, i - start);
+                n += i - start;
+                i = std::exchange(start, -1);
+            }
+        }
+        if (start >= 0) {
+            handle(start, i - start);
+            n += i - start;
+        }
+        return n;
+    }
+    int removeSome(bool tagged) {
+        return byRuns(tagged, [this](int start, int n) { removeRecordsFromBaseView(start, n); });
+    }
+    NotifierModel::Registration hear(SourceModel& source) {
+        return source.notifier.listen([this](const std::string& type, const std::string& text) {
+            if (type == "recordsDeleted") {
+                recordsDeleted(text);
+            }
+        });
+    }
+    void recordsDeleted(const std::string& text) {
+        std::istringstream tokens{text};
+        std::string collected;
+        int number = 0;
+        for (int k = 0; tokens >> number; ++k) {
+            const int d = number - k;
+            for (int i = 0; isPosition(i);) {
+                if (sourceRow(i) == d) {
+                    remove(i, 1);
+                    collected += std::to_string(i + k - 1) + " ";
+                    continue;
+                }
+                at(i).row -= sourceRow(i) > d ? 1 : 0;
+                ++i;
+            }
+        }
+        if (!collected.empty()) {
+            notifier.issue("recordsDeleted", collected);
+            notifier.issue("recordsChanged", "");
+        }
+    }
+
+    GroundModel* db_;
+    std::shared_ptr<ViewModel> base_;
+    std::vector<Entry> entries_;
+    int count_ = 0;
+    NotifierModel::Registration fromTable_;
+    NotifierModel::Registration fromBase_;
+};

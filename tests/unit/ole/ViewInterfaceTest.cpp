@@ -67,27 +67,6 @@ TEST(ViewInterface, AllOnesAsPositionOrCount) {
     EXPECT_EQ(view->add_records(0), 4);
 }
 
-TEST(ViewInterface, SortOrdersTheIndexAlone) {
-    const auto table = makeTable({"v", "w"}, {{"b", ""}, {"a", "2"}, {"", "1"}, {"B", "1"}});
-    const ODBView view = viewOfAll(*table);
-    view->set_tag(2, 1);
-    view->set_sortfield(0);
-    view->sort(1, 0);
-    EXPECT_EQ(shownBy(view) + " " + tagsOf(view), "1 0 3 2 0001");
-    view->sort(-1, 0);
-    EXPECT_EQ(shownBy(view), "0 3 1 2");
-    int keys[] = {1, 0, -1};
-    view->set_sortfields(keys);
-    view->sort(1, 0);
-    EXPECT_EQ(shownBy(view), "3 2 1 0");
-    view->set_sort_offset(1);
-    view->set_sortfield(0);
-    view->append(99);
-    view->sort(1, 0);
-    EXPECT_EQ(view->count(), 5) << "nothing is lost where a record is missing";
-    EXPECT_EQ(columnOf(*table, 0), (Texts{"b", "a", "", "B"}));
-}
-
 TEST(ViewInterface, ParametersAreCopiedOnce) {
     const auto table = numberedTable(1);
     table->add_param("p", "old");

@@ -16,15 +16,36 @@ struct CompareModel {
     int offset = 0;
     bool force = false;
 
-    [[nodiscard]] int ascending(const Texts& a, const Texts& b) const {
+    [[nodiscard]] int ascending(const Texts& a, const Texts& b) const { return rowOrder(a, b, 1); }
+    [[nodiscard]] int descending(const Texts& a, const Texts& b) const {
+        for (const int key : keys) {
+            if (const int result =
+                    compareIgnoringCase(value(a, key).c_str(), value(b, key).c_str())) {
+                return -result;
+            }
+        }
+        return 0;
+    }
+    /// Blank and empty come first, and nothing but case is ignored.
+    [[nodiscard]] int simple(const Texts& a, const Texts& b) const {
+        CompareModel plain = *this;
+        plain.timecodeKey = -1;
+        plain.offset = 0;
+        plain.force = true;
+        return plain.rowOrder(a, b, -1);
+    }
+
+private:
+    /// `emptyOrder` 1 puts blank rows and empty values last, -1 first.
+    [[nodiscard]] int rowOrder(const Texts& a, const Texts& b, int emptyOrder) const {
         if (isBlank(a) || isBlank(b)) {
-            return isBlank(a) - isBlank(b);
+            return emptyOrder * (isBlank(a) - isBlank(b));
         }
         for (const int key : keys) {
             const std::string x = withoutLead(value(a, key));
             const std::string y = withoutLead(value(b, key));
             if (x.empty() || y.empty()) {
-                return x.empty() - y.empty();
+                return emptyOrder * (x.empty() - y.empty());
             }
             if (key == timecodeKey) {
                 return oneKey(key, x, y);
@@ -35,33 +56,6 @@ struct CompareModel {
         }
         return 0;
     }
-    [[nodiscard]] int descending(const Texts& a, const Texts& b) const {
-        for (const int key : keys) {
-            if (const int result =
-                    compareIgnoringCase(value(a, key).c_str(), value(b, key).c_str())) {
-                return -result;
-            }
-        }
-        return 0;
-    }
-    [[nodiscard]] int simple(const Texts& a, const Texts& b) const {
-        if (isBlank(a) || isBlank(b)) {
-            return isBlank(b) - isBlank(a);
-        }
-        for (const int key : keys) {
-            const std::string x = withoutLead(value(a, key));
-            const std::string y = withoutLead(value(b, key));
-            if (x.empty() || y.empty()) {
-                return y.empty() - x.empty();
-            }
-            if (const int result = compareIgnoringCase(x.c_str(), y.c_str())) {
-                return result;
-            }
-        }
-        return 0;
-    }
-
-private:
     static bool isBlank(const Texts& row) {
         return std::all_of(row.begin(), row.end(), [](const auto& text) { return text.empty(); });
     }

@@ -3,7 +3,6 @@
 // The table file read and written the slow way, straight from the rules of the format: one
 // character at a time, texts copied, nothing shared with the module.
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -133,22 +132,6 @@ inline LoadedRows readRows(const Texts& lines, std::size_t columns, std::size_t 
         loaded.rows.push_back(row.slots);
     }
     return loaded;
-}
-
-/// Cuts a file at line feeds, without one carriage return before each and at the end.
-inline Texts linesOf(const std::string& bytes) {
-    Texts lines;
-    std::size_t start = 0;
-    while (start < bytes.size()) {
-        const std::size_t end = std::min(bytes.find('\n', start), bytes.size());
-        std::string line = bytes.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r') {
-            line.pop_back();
-        }
-        lines.push_back(line);
-        start = end + 1;
-    }
-    return lines;
 }
 
 } // namespace FileModel

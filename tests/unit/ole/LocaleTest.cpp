@@ -1,7 +1,6 @@
 // Results are the same in every locale: numbers keep their point, bytes above 127 are no blanks,
 // letters or marks. One comparison alone asks the locale, by contract.
 
-#include "ole/oledb/dbsort.h"
 #include "ole/oledb/oledb.h"
 #include "support/Tables.h"
 #include "tarn/TextFile.h"
@@ -85,17 +84,6 @@ TEST(LocaleOfStreams, ChangesNoResult) {
     table->set_field(0, 0, 1234567);
     EXPECT_STREQ(table->get_field(0, 0), "1234567");
     std::locale::global(before);
-}
-
-TEST(HighBytes, PassThroughSortAndSearch) {
-    const std::string bytes = "x\x80\xA0\xB2\xFE\xFF";
-    const auto table = makeTable({"v"}, {{bytes}, {"b"}, {"\xC3\xA9"}, {"a"}, {"\xFF"}});
-    table->sort(1, 0);
-    EXPECT_EQ(columnOf(*table, 0), (Texts{"a", "b", bytes, "\xC3\xA9", "\xFF"}));
-    table->sort(-1, 0);
-    EXPECT_EQ(columnOf(*table, 0), (Texts{"\xFF", "\xC3\xA9", bytes, "b", "a"}));
-    EXPECT_EQ(table->found_in(bytes.c_str(), "\xFE\xFF", 0), 1);
-    EXPECT_EQ(table->found_in(bytes.c_str(), "\xFF\xFE", 0), 0);
 }
 
 } // namespace

@@ -22,9 +22,9 @@ TEST(Search, Patterns) {
     constexpr char tc = 4;
     // clang-format off
     const Case cases[] = {
-        {"cab", "AB", plain, 1}, {"cab", "AB", cased, 0}, {"xabcx", "a?c", plain, 1},
+        {"cab", "AB", plain, 1}, {"cab", "AB", cased, 0}, 
         {"", "", plain, 1}, {nullptr, "", plain, 1}, {nullptr, "a", plain, 0}, {"", "?", plain, 0},
-        {"x", nullptr, plain, 1}, {"aaab", "aab", plain, 0}, {"\xC3\x89", "\xC3\xA9", plain, 0},
+        {"x", nullptr, plain, 1}, {"\xC3\x89", "\xC3\xA9", plain, 0},
         {"10:00:00;05", "00:05", tc, 0}, {"10:00:00:00", "10.00", tc, 1}, {"1:00", "1;00", tc, 0},
         {"10:00:00:00", "10.00", plain, 0}, {"one two", "two", word, 1}, {"one_two", "two", word, 0},
         {"one-two", "one", word, 1}, {"\xC3\xA9" "two", "two", word, 0}, {"two2", "two", word, 0},

@@ -1,7 +1,6 @@
-// Tags and the mode that shows the tagged rows only, with every operation.
+// Tags and the mode that shows the tagged rows only: what random tables do not meet.
 
 #include "ole/oledb/oledb.h"
-#include "support/NoticeRecorder.h"
 #include "support/Tables.h"
 
 #include <gtest/gtest.h>
@@ -32,8 +31,6 @@ TEST(Tags, TaggingTheFirstOfEveryValue) {
     const Case cases[] = {{{"b", "A", "a", "", "b"}, 3},
                           {{"", "", ""}, 0},
                           {{"", "x", ""}, 2},
-                          {{"x"}, 1},
-                          {{"B", "b", "B"}, 1},
                           {{std::string(256, 'x'), std::string(256, 'x')}, 2},
                           {{std::string(255, 'x'), std::string(255, 'X')}, 1},
                           {{}, 0}};

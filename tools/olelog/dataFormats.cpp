@@ -2,7 +2,7 @@
 
 #include "dataFormats.h"
 
-#include "ole/oledb/oledb.h"
+#include "ole/oledb/ODBBase.h"
 #include "Output.h"
 #include "shownText.h"
 #include "tableValues.h"
@@ -51,10 +51,10 @@ std::string jsonText(std::string_view text) {
 }
 
 /// The field names as keys, all different.
-std::vector<std::string> jsonKeys(oledb& table) {
+std::vector<std::string> jsonKeys(ODBBase& table, const std::vector<unsigned>& columns) {
     std::set<std::string> taken;
     std::vector<std::string> keys;
-    for (unsigned col = 0; col < table.get_num_fields(); ++col) {
+    for (const unsigned col : columns) {
         const std::string name = table.get_fieldname(col);
         std::string key = name;
         for (int n = 2; !taken.insert(key).second; ++n) {
@@ -67,36 +67,40 @@ std::vector<std::string> jsonKeys(oledb& table) {
 
 } // namespace
 
-void printCsv(oledb& table, Output& out) {
+void printCsv(ODBBase& table, const std::vector<unsigned>& columns, Output& out) {
     std::string line;
-    for (unsigned col = 0; col < table.get_num_fields(); ++col) {
-        line += col == 0 ? "" : ",";
+    std::string_view separator;
+    for (const unsigned col : columns) {
+        line += separator;
         appendCsvValue(line, table.get_fieldname(col));
+        separator = ",";
     }
     endCsvLine(line, out);
     for (unsigned row = 0; row < table.get_num_records() && !out.isClosed(); ++row) {
-        for (unsigned col = 0; col < table.get_num_fields(); ++col) {
-            line += col == 0 ? "" : ",";
+        separator = "";
+        for (const unsigned col : columns) {
+            line += separator;
             appendCsvValue(line, valueOf(table, row, col));
+            separator = ",";
         }
         endCsvLine(line, out);
     }
 }
 
-std::size_t printJson(oledb& table, Output& out) {
-    const std::vector<std::string> keys = jsonKeys(table);
+std::size_t printJson(ODBBase& table, const std::vector<unsigned>& columns, Output& out) {
+    const std::vector<std::string> keys = jsonKeys(table, columns);
     std::size_t changed = 0;
-    for (unsigned col = 0; col < table.get_num_fields(); ++col) {
+    for (const unsigned col : columns) {
         changed += isUtf8(table.get_fieldname(col)) ? 0 : 1;
     }
     std::string line;
     out.write("[");
     for (unsigned row = 0; row < table.get_num_records() && !out.isClosed(); ++row) {
         line = row == 0 ? "\n  {" : ",\n  {";
-        for (unsigned col = 0; col < keys.size(); ++col) {
-            const std::string_view value = valueOf(table, row, col);
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            const std::string_view value = valueOf(table, row, columns[i]);
             changed += isUtf8(value) ? 0 : 1;
-            line += (col == 0 ? "" : ", ") + keys[col] + ": " + jsonText(value);
+            line += (i == 0 ? "" : ", ") + keys[i] + ": " + jsonText(value);
         }
         out.write(line + "}");
     }

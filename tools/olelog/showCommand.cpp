@@ -6,6 +6,7 @@
 #include "messages.h"
 #include "ole/oledb/oledb.h"
 #include "Output.h"
+#include "selection.h"
 #include "tableFile.h"
 #include "tableValues.h"
 #include "tarn/StringFunctions.h"
@@ -24,13 +25,14 @@ constexpr int widestTable = 1000000;
 
 struct ShowOptions {
     std::string file;
+    SelectionOptions selection;
     std::string format = "table";
     bool all = false;
     int width = 0; ///< 0: as the terminal has it
 };
 
 /// Whether a column tells something. The column of the tags holds a 0 in every row that has none.
-bool tellsSomething(oledb& table, unsigned col) {
+bool tellsSomething(ODBBase& table, unsigned col) {
     const bool holdsTags = compareIgnoringCase(table.get_fieldname(col), "Tag") == 0;
     for (unsigned row = 0; row < table.get_num_records(); ++row) {
         const std::string_view value = valueOf(table, row, col);
@@ -41,17 +43,18 @@ bool tellsSomething(oledb& table, unsigned col) {
     return false;
 }
 
-std::vector<unsigned> columnsToShow(oledb& table, bool all) {
+/// Columns that were named are shown in any case.
+std::vector<unsigned> columnsToShow(const Selection& selection, bool all) {
     std::vector<unsigned> columns;
-    for (unsigned col = 0; col < table.get_num_fields(); ++col) {
-        if (all || tellsSomething(table, col)) {
+    for (const unsigned col : selection.columns) {
+        if (all || selection.columnsNamed || tellsSomething(*selection.rows, col)) {
             columns.push_back(col);
         }
     }
     return columns;
 }
 
-TableColumn describe(oledb& table, unsigned col) {
+TableColumn describe(ODBBase& table, unsigned col) {
     const DBFieldTypes::eType type = table.get_field_type(col);
     const bool isNumber =
         type == DBFieldTypes::LONG || type == DBFieldTypes::NUMERIC || type == DBFieldTypes::DOUBLE;
@@ -66,10 +69,11 @@ std::optional<std::size_t> widthToUse(const ShowOptions& options) {
 }
 
 /// Prints the table; returns what is to be said about it.
-std::string printAligned(oledb& table, const ShowOptions& options, Output& out) {
-    const std::vector<unsigned> columns = columnsToShow(table, options.all);
+std::string printAligned(const Selection& selection, const ShowOptions& options, Output& out) {
+    ODBViewRep& table = *selection.rows;
+    const std::vector<unsigned> columns = columnsToShow(selection, options.all);
     if (columns.empty()) {
-        return fmt::format("no {} to show", table.get_num_records() == 0 ? "rows" : "values");
+        return fmt::format("no {} to show", selection.isEmpty() ? "rows" : "values");
     }
     std::vector<TableColumn> descriptions;
     descriptions.reserve(columns.size());
@@ -88,12 +92,22 @@ std::string printAligned(oledb& table, const ShowOptions& options, Output& out) 
                                          counted(leftOut.size(), "column"), listed(leftOut));
 }
 
-/// Prints the table; returns what is to be said about it.
-std::string printAsJson(oledb& table, Output& out) {
-    const std::size_t changed = printJson(table, out);
+/// Prints the rows; returns what is to be said about them.
+std::string printAsJson(const Selection& selection, Output& out) {
+    const std::size_t changed = printJson(*selection.rows, selection.columns, out);
     return changed == 0 ? ""
                         : counted(changed, "text") +
                               " with bytes that are no UTF-8, which were replaced by U+FFFD";
+}
+
+/// Prints what was selected; returns what is to be said about it.
+std::string print(const Selection& selection, const ShowOptions& options, Output& out) {
+    if (options.format == "csv") {
+        printCsv(*selection.rows, selection.columns, out);
+        return {};
+    }
+    return options.format == "json" ? printAsJson(selection, out)
+                                    : printAligned(selection, options, out);
 }
 
 int runShow(const ShowOptions& options) {
@@ -102,19 +116,21 @@ int runShow(const ShowOptions& options) {
     if (!loaded.table) {
         return exitFailure;
     }
+    const auto selection = select(*loaded.table, options.selection);
+    if (!selection) {
+        return exitUsage;
+    }
+    const bool nothingFound = selection->rowsNarrowed && selection->isEmpty();
     Output out;
     std::string remark;
-    if (options.format == "csv") {
-        printCsv(*loaded.table, out);
-    } else if (options.format == "json") {
-        remark = printAsJson(*loaded.table, out);
-    } else {
-        remark = printAligned(*loaded.table, options, out);
+    if (!nothingFound || options.format != "table") {
+        remark = print(*selection, options, out);
     }
     const bool altered = options.format == "json" && !remark.empty();
-    const int code = out.finish(loaded.whole && !altered ? exitFine : exitFindings);
-    if (!remark.empty()) {
-        say("{}: {}", file->name(), remark);
+    const bool fine = loaded.whole && !altered && !nothingFound;
+    const int code = out.finish(fine ? exitFine : exitFindings);
+    if (nothingFound || !remark.empty()) {
+        say("{}: {}", file->name(), nothingFound ? "no row is selected" : remark);
     }
     return code;
 }
@@ -139,5 +155,6 @@ void addShowCommand(CLI::App& app, Task& task) {
     command->add_option("--width", options->width, "Make the table so wide, not as the terminal is")
         ->check(CLI::Range(1, widestTable).description(""))
         ->type_name("N");
+    addSelectionOptions(*command, options->selection);
     command->callback([options, &task] { task = [options] { return runShow(*options); }; });
 }

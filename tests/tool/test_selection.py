@@ -1,0 +1,163 @@
+"""Choosing rows and columns: what is shown and saved against the same choice made here."""
+
+import json
+import os
+import random
+import re
+
+import pytest
+from olelog import csv_rows, expect, info, leftovers, messages, run, write_table
+
+COLUMNS = ["Name", "Scene", "Shot", "Start time", "End time", "Notes", "Tag", "a,b", "Odd=", "-C", "C"]
+TYPES = ["text", "text", "text", "timecode", "timecode", "text", "long", "text", "text", "text", "text"]
+
+
+def make_rows(count, seed=1):
+    chance = random.Random(seed)
+    pick = lambda *values: chance.choice(values)
+    rows = []
+    for i in range(count):
+        start = chance.randrange(8)
+        rows.append([
+            f"r{i}", pick("", "1", "2", "10", "10A", "10a", "x"), pick("", "1", "2", "11"),
+            pick("", f"01:00:0{start}:00"), pick("", f"01:00:0{start + 1}:12"),
+            pick("", "Print", "print; MOS", "no good", "sprint", "pr nt"), pick("", "0", "1", "7"),
+            pick("p", "q"), pick("=", "e"), "minus", "plain",
+        ])  # fmt: skip
+    return [dict(zip(COLUMNS, row)) for row in rows]
+
+
+ROWS = make_rows(120)
+
+
+@pytest.fixture
+def table(tmp_path):
+    return write_table(tmp_path / "t.odb", COLUMNS, [list(row.values()) for row in ROWS], ["OLEDB:Rev 1", "FPS:24"], TYPES)
+
+
+def matches(row, field, pattern):
+    start, end = row["Start time"], row["End time"]
+    if field in ("Start time", "End time"):
+        part, length = start[: len(pattern)], len(pattern)
+        return bool(start) and (part == pattern or bool(end) and part <= pattern <= end[:length])
+    return re.search(re.escape(pattern).replace(r"\?", "."), row[field], re.IGNORECASE) is not None
+
+
+def ascending(value):
+    """Empty values last; numbers in texts count as numbers."""
+    pieces = re.findall(r"\d+|\D", value.lower())
+    return (not value, [(0, int(p), "") if p.isdigit() else (1, 0, p) for p in pieces])
+
+
+def chosen(rows, where=(), keys=(), descending=False, unique=None, tagged=False, limit=None):
+    rows = [row for row in rows if all(matches(row, *w) for w in where) and (not tagged or row["Tag"] in ("1", "7"))]
+    for key in reversed(keys):
+        rows.sort(key=lambda row: row[key].lower() if descending else ascending(row[key]), reverse=descending)
+    if unique:
+        firsts = {}
+        for row in rows:
+            firsts.setdefault(row[unique].lower(), row)
+        rows = list(firsts.values())
+    return rows[:limit]
+
+
+def options(where=(), keys=(), descending=False, unique=None, tagged=False, limit=None):
+    words = [word for field, pattern in where for word in ("--where", f"{field}={pattern}")]
+    words += ["--sort", ",".join(keys)] * bool(keys) + ["--descending"] * descending + ["--tagged"] * tagged
+    words += ["--unique", unique] if unique else []
+    return words + ([] if limit is None else ["--limit", str(limit)])
+
+
+CHOICES = [
+    {},
+    {"where": [("Scene", "10")]},
+    {"where": [("Scene", "10a")]},
+    {"where": [("Notes", "pr?nt")]},
+    {"where": [("Notes", "?")]},
+    {"where": [("Notes", "print"), ("Scene", "1"), ("Shot", "1")]},
+    {"where": [("Notes", "print"), ("Notes", "mos")]},
+    {"where": [("Start time", "01:00:03:")]},
+    {"where": [("End time", "01:00:03:0")]},
+    {"where": [("Odd=", "=")]},
+    {"where": [("a,b", "q")], "keys": ["a,b", "Name"]},
+    {"keys": ["Scene", "Shot"]},
+    {"keys": ["Scene", "Shot"], "descending": True},
+    {"keys": ["Start time", "Scene", "Name"]},
+    {"keys": ["Name"], "unique": "Scene"},
+    {"keys": ["Shot"], "descending": True, "unique": "Notes"},
+    {"tagged": True},
+    {"tagged": True, "where": [("Scene", "10")], "keys": ["Shot"], "unique": "Notes", "limit": 2},
+    {"limit": 1},
+    {"limit": 2147483647},
+]
+
+
+@pytest.mark.parametrize("choice", CHOICES, ids=str)
+def test_rows(tmp_path, table, choice):
+    before = table.read_bytes()
+    wanted = chosen(ROWS, **choice)
+    assert wanted
+    got = run("show", table, "--format", "json", *options(**choice))
+    assert (got.returncode, got.stderr) == (0, b"") and json.loads(got.stdout) == wanted
+    assert table.read_bytes() == before
+
+
+@pytest.mark.parametrize(
+    "fields, wanted",
+    [
+        ("Shot,Name", ["Shot", "Name"]),
+        ("shot,NAME,Shot", ["Shot", "Name"]),
+        (" Shot , Name", ["Shot", "Name"]),
+        ("a,b,Name", ["a,b", "Name"]),
+        ("Name,a,b", ["Name", "a,b"]),
+        ("-Scene,-a,b", [c for c in COLUMNS if c not in ("Scene", "a,b")]),
+        ("Name,Scene,-name", ["Scene"]),
+        ("-C,C", ["-C", "C"]),
+        ("--C", [c for c in COLUMNS if c != "-C"]),
+    ],
+)
+def test_fields(table, fields, wanted):
+    for given in (["--fields", fields], [f"--fields={fields}"]):
+        got = run("show", table, "--format", "json", *given)
+        assert [list(row) for row in json.loads(got.stdout)] == [wanted] * len(ROWS), messages(got)
+
+
+def test_named_fields_are_shown_though_empty(tmp_path):
+    table = write_table(tmp_path / "t.odb", ["A", "B", "C"], [["x", "", ""]])
+    assert run("show", table, "--fields", "B,A").stdout == b"B  A\n-  -\n   x\n"
+    assert run("show", table, "--fields=-C").stdout == b"A\n-\nx\n"
+
+
+@pytest.mark.parametrize(
+    "words, told",
+    [
+        (["--where", "Scen=1"], '--where: there is no field "Scen"; did you mean "Scene"?'),
+        (["--sort", "Scene,start tim"], '--sort: there is no field "start tim"; did you mean "Start time"?'),
+        (["--sort", "Scene,"], '--sort: there is no field ""'),
+        (["--unique", "Shto"], '"Shot"?'),
+        (["--fields", "-Nmae"], '--fields: there is no field "Nmae"; did you mean "Name"?'),
+        (["--fields", "quite another"], '"quite another"; olelog info lists'),
+        (["--fields", ""], "--fields: "),
+        (["--fields", "Name,-Name"], "no field is left"),
+        (["--where", "Scene"], "FIELD=PATTERN"),
+        (["--where", "Scene="], "FIELD=PATTERN"),
+        (["--where", "=1"], 'no field ""'),
+        (["--limit", "-1"], "--limit"),
+        (["--limit", "9999999999"], "--limit"),
+    ],
+)
+def test_what_makes_no_sense(table, words, told):
+    assert told in expect(2, "show", table, *words)
+    assert run("show", table, *words).stdout == b""
+
+
+@pytest.mark.parametrize("words", [["--where", "Scene=nowhere"], ["--limit", "0"], ["--where", "Scene=1", "--where", "Scene=2"]])
+def test_no_row(tmp_path, table, words):
+    for format, printed in [("table", b""), ("csv", b"Shot,Name\r\n"), ("json", b"[\n]\n")]:
+        got = run("show", table, *words, "--fields", "Shot,Name", "--format", format)
+        assert (got.returncode, got.stdout, messages(got)) == (1, printed, f"olelog: {table}: no row is selected\n")
+
+
+def test_tagged_needs_the_field(tmp_path):
+    table = write_table(tmp_path / "t.odb", ["A"], [["x"]])
+    assert 'no field "Tag"' in expect(1, "show", table, "--tagged")

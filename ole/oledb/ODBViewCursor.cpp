@@ -92,7 +92,8 @@ int ODBViewCursor::findFieldSorted(const char* field, const char* value) {
     int lo = position_;
     int hi = numIndex();
     while (hi - lo >= 2) {
-        position_ = (lo + hi) / 2;
+        const volatile int middle = (lo + hi) / 2; // a loop without any effect could be taken out
+        position_ = middle;
         const int order =
             compareIgnoringCase(view_->get_field(static_cast<unsigned>(position_), col), value);
         if (order < 0) {

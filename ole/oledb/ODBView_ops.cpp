@@ -149,6 +149,7 @@ void ODBViewRep::tagFromSourceRows(Tag tagOf) {
 }
 
 void ODBViewRep::setupViewTagsFromOledbTagField() {
+    const KeepAlive alive{*this};
     displayAllRecords();
     tagFromSourceRows([](ODBBase& from, unsigned row, int col) {
         return Tarn::parseInt(from.get_field(row, col)) != 0;
@@ -156,6 +157,7 @@ void ODBViewRep::setupViewTagsFromOledbTagField() {
 }
 
 void ODBViewRep::displayAllRecordsWithBaseTagStatus() {
+    const KeepAlive alive{*this};
     displayAllRecords();
     tagFromSourceRows([](ODBBase& from, unsigned row, int) { return from.get_tag(row) != 0; });
 }

@@ -1,8 +1,13 @@
 #pragma once
 
-// The message types of tables and views, interned when they are first asked for.
+#include "ole/ole.h"
+
+// The message types of tables and views, interned when they are first asked for. To listen:
+//
+//     guard = table.registerInterest([](const NotifyMsg& msg) { ...; return 0; },
+//     recordsDeletedType());
 
 /// "recordsDeleted": the text holds the numbers of the deleted rows, each followed by a blank.
-int recordsDeletedType();
+OLE_API int recordsDeletedType();
 /// "recordsChanged": from a table with the changed cookies, from a view without payload.
-int recordsChangedType();
+OLE_API int recordsChangedType();

@@ -172,7 +172,7 @@ int oledb::add_records(int n) {
 }
 
 int oledb::insert_records(unsigned at, unsigned n) {
-    if (showTagsOnly_ != 0 || n == 0) {
+    if (showTagsOnly_ != 0) {
         return 0;
     }
     rows_.makeRoomFor(n);

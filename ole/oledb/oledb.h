@@ -36,7 +36,8 @@ struct dberror {
 /// The table owns its rows; it must outlive every view on it. Row pointers are good until the row
 /// is deleted. Deleting rows sends "recordsDeleted" with the numbers of the deleted rows, each
 /// followed by a blank; the end of an update batch sends "recordsChanged" with the changed cookies.
-/// Both reach their listeners before the call returns. Nothing else sends anything: inserting rows
+/// Both reach their listeners before the call returns; to listen, register with `registerInterest`
+/// for a type of ole/oledb/messageTypes.h. Nothing else sends anything: inserting rows
 /// is silent.
 ///
 /// While the show-tags-only mode is on, row numbers of the interface are positions among the rows

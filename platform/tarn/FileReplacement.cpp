@@ -41,8 +41,16 @@ std::optional<std::string> linkText(const std::string& path) {
     }
 }
 
+bool leadsToDevice(const std::string& path) noexcept {
+    struct stat there {};
+    return stat(path.c_str(), &there) == 0 && !S_ISREG(there.st_mode) && !S_ISDIR(there.st_mode);
+}
+
 /// The path behind symbolic links, also where nothing is there yet; empty for links in a circle.
 std::string withoutLinks(std::string path) {
+    if (leadsToDevice(path)) {
+        return path; // what a link to an open pipe says is no name
+    }
     for (int i = 0; i < mostLinks; ++i) {
         const auto text = linkText(path);
         if (!text) {

@@ -109,10 +109,10 @@ def test_lines_with_too_many_values_are_named(tmp_path):
 def test_log_that_cannot_be_taken_is_refused_with_its_cause(tmp_path, text, cause):
     (tmp_path / "bad.ale").write_bytes(text)
     good = write_log(tmp_path / "good.ale", ["Name"], [["A"]])
-    (tmp_path / "a.odb").write_bytes(b"keep me")
+    kept = write_table(tmp_path / "a.odb", ["Name"], [["keep me"]]).read_bytes()
     said = expect(3, "import", good, tmp_path / "bad.ale", "-o", tmp_path / "a.odb")
     assert cause in said and "bad.ale: cannot be taken" in said
-    assert (tmp_path / "a.odb").read_bytes() == b"keep me"
+    assert (tmp_path / "a.odb").read_bytes() == kept
     assert leftovers(tmp_path) == []
 
 

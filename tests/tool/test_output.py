@@ -8,7 +8,7 @@ import tempfile
 import time
 
 import pytest
-from olelog import TOOL, expect, info, leftovers, log_text, messages, run, write_log, write_table
+from olelog import TOOL, expect, info, leftovers, log_text, messages, run, table_text, write_log, write_table
 
 
 @pytest.fixture
@@ -91,9 +91,24 @@ def test_output_over_an_input_needs_in_place(tmp_path, log):
     assert info(log)["rows"] == 2 and (tmp_path / "hard").read_bytes() == text
 
 
+def test_a_file_that_is_no_table_is_not_replaced_by_mistake(tmp_path, log):
+    """As happens with `-o *.ale`, or where the table's name was forgotten."""
+    other = tmp_path / "b.ale"
+    other.write_bytes(log.read_bytes())
+    for logs in ([log], ["-"]):
+        said = expect(2, "import", "-o", other, *logs, stdin=log.read_bytes())
+        assert "is no table" in said and other.read_bytes() == log.read_bytes()
+    expect(0, "import", "-o", other, log, "--in-place")
+    assert info(other)["rows"] == 2
+
+
+def test_an_open_pipe_is_a_target_by_its_name(log):
+    assert shell(f"olelog import {log} -o /dev/stdout | head -c 12").stdout == b'"OLEDB:Rev 1'
+
+
 def test_permissions_stay_and_new_files_follow_the_mask(tmp_path, log):
     table = tmp_path / "a.odb"
-    table.write_bytes(b"old")
+    write_table(table, ["Name"], [["old"]])
     table.chmod(0o640)
     expect(0, "import", log, "-o", table)
     assert stat.S_IMODE(table.stat().st_mode) == 0o640 and info(table)["rows"] == 2
@@ -105,7 +120,7 @@ def test_links_stay_links(tmp_path, log):
     folder = tmp_path / "elsewhere"
     folder.mkdir()
     (tmp_path / "new.odb").symlink_to("elsewhere/new.odb")
-    (folder / "old").write_bytes(b"old")
+    write_table(folder / "old", ["Name"], [["old"]])
     (tmp_path / "old.odb").symlink_to(folder / "old")
     for name in ("new.odb", "old.odb"):
         expect(0, "import", log, "-o", tmp_path / name)
@@ -141,7 +156,7 @@ def test_without_permission(tmp_path):
         read_only = os.path.join(shared, "a.odb")
         for path in (table, read_only):
             with open(path, "wb") as file:
-                file.write(b"keep me")
+                file.write(table_text(["Name"], [["keep me"]]))
         os.chmod(read_only, 0o444)
         os.chmod(folder, 0o555)
         try:
@@ -153,7 +168,7 @@ def test_without_permission(tmp_path):
             for path in (table, read_only):
                 assert os.listdir(os.path.dirname(path)) == ["a.odb"]
                 with open(path, "rb") as file:
-                    assert file.read() == b"keep me"
+                    assert file.read() == table_text(["Name"], [["keep me"]])
         finally:
             os.chmod(folder, 0o755)
 

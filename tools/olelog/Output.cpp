@@ -28,6 +28,8 @@ void occupyStandardFiles() {
 
 void ignoreClosedPipes() {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ,
+                SIG_IGN); // a file that grows too long fails to be written, and that is told
 }
 
 Output::Output() {

@@ -15,6 +15,10 @@ constexpr int mostLinks = 40;
 
 /// The place behind symbolic links, also where nothing is there yet; links in a circle stay.
 std::string withoutLinks(std::string path) {
+    struct stat there {};
+    if (stat(path.c_str(), &there) == 0 && !S_ISREG(there.st_mode)) {
+        return path; // what a link to an open pipe says is no name
+    }
     for (int i = 0; i < mostLinks; ++i) {
         std::string text(PATH_MAX, '\0');
         const ssize_t length = readlink(path.c_str(), text.data(), text.size());

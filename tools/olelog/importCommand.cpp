@@ -68,6 +68,10 @@ bool usageMakesSense(const ImportOptions& options) {
         say("{} is a log and would become the table; --in-place allows that", options.output);
         return false;
     }
+    if (!options.append && !options.inPlace && isForeignFile(options.output)) {
+        say("{} exists and is no table; --in-place allows to replace it", options.output);
+        return false;
+    }
     return true;
 }
 
@@ -396,6 +400,7 @@ void addImportCommand(CLI::App& app, Task& task) {
     command->add_flag("--identify", options->identify,
                       "Give every row without an identifier a new one, in the column Cookie");
     command->add_flag("--append", options->append, "Add the rows to the table where it exists");
-    command->add_flag("--in-place", options->inPlace, "Allow the table to replace one of the logs");
+    command->add_flag("--in-place", options->inPlace,
+                      "Allow the table to replace a log, or another file that is no table");
     command->callback([options, &task] { task = [options] { return runImport(*options); }; });
 }

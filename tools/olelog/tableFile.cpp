@@ -11,9 +11,11 @@
 #include "tarn/TextFile.h"
 
 #include <climits>
+#include <filesystem>
 #include <fmt/format.h>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -245,4 +247,13 @@ LoadedTable loadTable(const InputFile& file) {
     }
     loaded.whole = !lines.tellLosses(table);
     return loaded;
+}
+
+bool isForeignFile(const std::string& path) {
+    std::error_code failed;
+    if (!std::filesystem::is_regular_file(path, failed) ||
+        std::filesystem::file_size(path, failed) == 0 || failed) {
+        return false;
+    }
+    return oledb{modulePath(path), 0, true}.get_valid() == 0;
 }

@@ -60,6 +60,11 @@ run olelog show "$out/day-12.odb"
 say "== 7. The same rows for other programs: comma-separated, with a header line."
 run olelog show "$out/day-12.odb" --format csv | sed -n 1,4p
 
+say "== 8. A choice of them: the takes marked as print that show Ines, in order of reel and shot." \
+  "      Patterns match anywhere in a value and in any case; save -o writes such a choice as a table."
+run olelog show "$out/day-12.odb" --where Notes=print --where Description=ines \
+  --sort Reel,Shot --fields Name,Reel,Shot,Description,Notes
+
 say "Done. The table is $PWD/$out/day-12.odb" \
   "and the tool is $PWD/build/try/bin/olelog. Try it with a log of your own:" \
   "  build/try/bin/olelog import YOUR.ale -o YOUR.odb && build/try/bin/olelog show YOUR.odb"

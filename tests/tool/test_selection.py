@@ -7,6 +7,7 @@ import re
 
 import pytest
 from olelog import csv_rows, expect, info, leftovers, messages, run, write_table
+from test_show import on_terminal
 
 COLUMNS = ["Name", "Scene", "Shot", "Start time", "End time", "Notes", "Tag", "a,b", "Odd=", "-C", "C"]
 TYPES = ["text", "text", "text", "timecode", "timecode", "text", "long", "text", "text", "text", "text"]
@@ -161,3 +162,79 @@ def test_no_row(tmp_path, table, words):
 def test_tagged_needs_the_field(tmp_path):
     table = write_table(tmp_path / "t.odb", ["A"], [["x"]])
     assert 'no field "Tag"' in expect(1, "show", table, "--tagged")
+
+
+@pytest.mark.parametrize("choice", CHOICES, ids=str)
+def test_saved_rows_are_the_shown_ones(tmp_path, table, choice):
+    expect(0, "save", table, "-o", tmp_path / "s.odb", *options(**choice))
+    as_saved = [row | {"Tag": row["Tag"] or "0"} for row in chosen(ROWS, **choice)]
+    assert csv_rows(tmp_path / "s.odb") == as_saved
+    facts, before = info(tmp_path / "s.odb"), info(table)
+    assert facts["parameters"] == before["parameters"]
+    assert [(c["name"], c["type"]) for c in facts["columns"]] == [(c["name"], c["type"]) for c in before["columns"]]
+
+
+def test_save_fields(tmp_path, table):
+    out = tmp_path / "s.odb"
+    expect(0, "save", table, "-o", out, "--fields", "End time,Name,a,b", "--where", "Scene=10", "--sort", "Name")
+    wanted = chosen(ROWS, where=[("Scene", "10")], keys=["Name"])
+    assert csv_rows(out) == [{name: row[name] for name in ("End time", "Name", "a,b")} for row in wanted]
+    assert [(c["name"], c["type"]) for c in info(out)["columns"]] == [("End time", "timecode"), ("Name", "text"), ("a,b", "text")]
+    assert info(out)["parameters"] == info(table)["parameters"]
+
+
+def test_save_through_pipes(tmp_path, table):
+    expect(0, "save", table, "-o", tmp_path / "s.odb", "--limit", "3")
+    got = run("save", "-", "-o", "-", "--limit", "3", stdin=table.read_bytes())
+    assert (got.returncode, got.stderr, got.stdout) == (0, b"", (tmp_path / "s.odb").read_bytes())
+
+
+def test_save_in_place(tmp_path, table):
+    before = table.read_bytes()
+    os.symlink(table, tmp_path / "link.odb")
+    assert "--in-place" in expect(2, "save", table, "-o", tmp_path / "link.odb", "--limit", "3")
+    for code, words in [(1, ["--limit", "0"]), (2, ["--sort", "nothing like it"])]:
+        expect(code, "save", table, "-o", table, "--in-place", *words)
+        assert table.read_bytes() == before
+    expect(0, "save", table, "-o", table, "--in-place", "--where", "Scene=10", "--descending", "--sort", "Name")
+    assert [row["Name"] for row in csv_rows(table)] == [
+        row["Name"] for row in chosen(ROWS, where=[("Scene", "10")], keys=["Name"], descending=True)
+    ]
+    assert leftovers(tmp_path) == [] and len(list(tmp_path.iterdir())) == 2
+
+
+def test_save_of_a_damaged_table(tmp_path, table):
+    table.write_bytes(table.read_bytes() + b'"one"\r\n')
+    before = table.read_bytes()
+    expect(3, "save", table, "-o", table, "--in-place", "--limit", "3")
+    assert table.read_bytes() == before
+    expect(1, "save", table, "-o", tmp_path / "s.odb", "--limit", "3")
+    assert len(csv_rows(tmp_path / "s.odb")) == 3
+
+
+def test_save_refuses_what_would_not_come_back(tmp_path):
+    table = write_table(tmp_path / "t.odb", ["A", "B"], [["x", "OLEDB"]])
+    assert 'first value is "OLEDB"' in expect(3, "save", table, "-o", tmp_path / "s.odb", "--fields", "B,A")
+    assert not (tmp_path / "s.odb").exists()
+    expect(3, "save", table, "-o", tmp_path / "no" / "s.odb")
+    expect(3, "save", tmp_path / "none.odb", "-o", tmp_path / "s.odb")
+    expect(2, "save", table)
+
+
+def test_progress_on_a_terminal_only(table):
+    _, text = on_terminal(80, "show", table, "--sort", "Name", "--limit", "1", "--fields", "Name")
+    assert text.startswith("sorting ...\r\x1b[K") and text.endswith("r0\n")
+    assert run("show", table, "--sort", "Name").stderr == b""
+
+
+@pytest.mark.skipif(not os.environ.get("OLE_REAL_LOGS"), reason="OLE_REAL_LOGS names no folder of real logs")
+def test_scene_of_a_real_log(tmp_path):
+    table = tmp_path / "t.odb"
+    expect(0, "import", os.path.join(os.environ["OLE_REAL_LOGS"], "scene-take-rolls.ale"), "-o", table)
+    everything = csv_rows(table)
+    for pattern, scenes in [("101B", {"101B"}), ("101?", {"101B", "101C", "101D"}), ("1?1d", {"101D"})]:
+        got = run("show", table, "--where", f"Scene={pattern}", "--sort", "Scene,Shot", "--fields", "Name,Scene,Shot,Reel")
+        lines = [re.split("  +", line) for line in got.stdout.decode().splitlines()]
+        wanted = sorted((r for r in everything if r["Scene"] in scenes), key=lambda r: (r["Scene"], int(r["Shot"])))
+        assert lines[0] == ["Name", "Scene", "Shot", "Reel"] and len(wanted) >= 12
+        assert lines[2:] == [[r[name] for name in lines[0]] for r in wanted]

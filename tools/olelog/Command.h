@@ -12,7 +12,7 @@ class App;
 /// What the tool's exit code tells.
 enum ExitCode : int {
     exitFine = 0,
-    exitFindings = 1, ///< done, but with something that a person should look at
+    exitFindings = 1, ///< done, with something that a person should look at, or no row was found
     exitUsage = 2,    ///< the command line makes no sense; nothing was done
     exitFailure = 3,  ///< something could not be read or written; no file was changed
 };
@@ -23,4 +23,5 @@ using Task = std::function<int()>;
 /// Each adds its command to the command line; where it is asked for, `task` becomes its work.
 void addImportCommand(CLI::App& app, Task& task);
 void addInfoCommand(CLI::App& app, Task& task);
+void addSaveCommand(CLI::App& app, Task& task);
 void addShowCommand(CLI::App& app, Task& task);

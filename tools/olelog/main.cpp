@@ -17,8 +17,8 @@
 namespace {
 
 constexpr const char* description =
-    "olelog keeps the logs of a shoot in tables: it imports ALE logs, and shows what stands in a "
-    "table file.";
+    "olelog keeps the logs of a shoot in tables: it imports ALE logs, shows what stands in a "
+    "table file, and saves a selection of it.";
 constexpr const char* footer =
     "Exit codes: 0 fine, 1 done with findings, 2 wrong usage, 3 cannot read or write.\n"
     "A file name of - means standard input or output.";
@@ -55,6 +55,7 @@ int run(int argc, char** argv) {
     addImportCommand(app, task);
     addInfoCommand(app, task);
     addShowCommand(app, task);
+    addSaveCommand(app, task);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& reason) {

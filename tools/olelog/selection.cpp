@@ -163,7 +163,6 @@ ODBView taggedRows(oledb& table, ODBViewRep& view) {
 }
 
 ODBView startingRows(oledb& table, bool tagged) {
-    const ProgressNote note{"selecting ..."};
     ODBView view = emptyView(table);
     if (!tagged) {
         view->displayAllRecords();
@@ -190,8 +189,8 @@ ODBView matchesOf(oledb& table, ODBViewRep& view, const Condition& condition) {
 /// order of several keys ends at a timecode and where both values are empty.
 void sortBy(oledb& table, ODBViewRep& view, const std::vector<unsigned>& keys, bool descending) {
     const ProgressNote note{"sorting ..."};
-    for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
-        table.set_sortfield(static_cast<int>(*key));
+    for (std::size_t left = keys.size(); left > 0; --left) {
+        table.set_sortfield(static_cast<int>(keys[left - 1]));
         view.sort(descending ? -1 : 1, 0);
     }
 }
@@ -273,6 +272,5 @@ std::optional<Selection> select(oledb& table, const SelectionOptions& options) {
     const bool narrowed =
         options.tagged || options.limit || wish.unique || !wish.conditions.empty();
     ODBView rows = selectRows(table, wish, options);
-    return Selection{std::move(rows), std::move(wish.columns.shown), wish.columns.named,
-                     options.fields.has_value(), narrowed};
+    return Selection{std::move(rows), std::move(wish.columns.shown), wish.columns.named, narrowed};
 }

@@ -28,10 +28,11 @@ struct Selection {
     ODBView rows;
     std::vector<unsigned> columns; ///< in the order asked for; all where no fields were named
     bool columnsNamed = false;     ///< whether fields were asked for one by one
-    bool columnsChosen = false;    ///< whether they are others than all of the table's
     bool rowsNarrowed = false;     ///< whether an option left out rows, or could have
 
     [[nodiscard]] bool isEmpty() const { return rows->count() == 0; }
+    /// Whether rows were looked for, and there are none.
+    [[nodiscard]] bool foundNothing() const { return rowsNarrowed && isEmpty(); }
 };
 
 /// Adds the options of a selection to a command.

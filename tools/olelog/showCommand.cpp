@@ -120,7 +120,7 @@ int runShow(const ShowOptions& options) {
     if (!selection) {
         return exitUsage;
     }
-    const bool nothingFound = selection->rowsNarrowed && selection->isEmpty();
+    const bool nothingFound = selection->foundNothing();
     Output out;
     std::string remark;
     if (!nothingFound || options.format != "table") {

@@ -1,0 +1,109 @@
+// olelog save: chosen rows and columns as a table file of their own.
+//
+// They become a new table, so that tags keep their values (a view's are only on or off) and the
+// file's widths are those of the rows that are in it.
+
+#include "checkedSave.h"
+#include "Command.h"
+#include "files.h"
+#include "messages.h"
+#include "ole/oledb/oledb.h"
+#include "selection.h"
+#include "tableFile.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct SaveOptions {
+    std::string file;
+    std::string output;
+    bool inPlace = false;
+    SelectionOptions selection;
+};
+
+bool isOverInput(const SaveOptions& options) {
+    return options.file != "-" && options.output != "-" && isSameFile(options.file, options.output);
+}
+
+/// A table of the selected columns, with the parameters of the one that they come from.
+std::unique_ptr<oledb> makeTable(oledb& source, const std::vector<unsigned>& columns) {
+    std::vector<DBFieldDesc> fields;
+    fields.reserve(columns.size() + 1);
+    for (const unsigned col : columns) {
+        fields.emplace_back(source.get_fieldname(col), source.get_field_type(col));
+    }
+    fields.emplace_back(); // ends the list
+    auto table = std::make_unique<oledb>(fields.data());
+    for (unsigned i = 0; i < source.get_num_params(); ++i) {
+        table->add_param(source.get_param_name(i), source.get_param_value(i));
+    }
+    return table;
+}
+
+void copyRows(const Selection& selection, oledb& table) {
+    table.add_records(selection.rows->count());
+    for (unsigned row = 0; row < table.get_num_records(); ++row) {
+        for (unsigned i = 0; i < selection.columns.size(); ++i) {
+            const auto col = static_cast<int>(selection.columns[i]);
+            table.set_field(row, i, selection.rows->get_field(row, col));
+        }
+    }
+}
+
+int saveSelection(oledb& source, const Selection& selection, const std::string& output) {
+    const std::unique_ptr<oledb> table = makeTable(source, selection.columns);
+    copyRows(selection, *table);
+    const RowOrigins origins;
+    const bool tagsKept = takeTagsFromColumn(*table, origins);
+    showProgress(fmt::format("writing {} ...", output));
+    const int code = saveChecked(*table, output, origins);
+    clearProgress();
+    return code == exitFine && !tagsKept ? exitFindings : code;
+}
+
+int runSave(const SaveOptions& options) {
+    if (isOverInput(options) && !options.inPlace) {
+        say("{} would be replaced by a selection of it; --in-place allows that", options.output);
+        return exitUsage;
+    }
+    const auto file = InputFile::open(options.file);
+    const LoadedTable loaded = file ? loadTable(*file) : LoadedTable{};
+    if (!loaded.table) {
+        return exitFailure;
+    }
+    if (isOverInput(options) && !loaded.whole) {
+        say("{}: not written, for what could not be read would be lost", options.output);
+        return exitFailure;
+    }
+    const auto selection = select(*loaded.table, options.selection);
+    if (!selection) {
+        return exitUsage;
+    }
+    if (selection->foundNothing()) {
+        say("{}: no row is selected; nothing was written", file->name());
+        return exitFindings;
+    }
+    const int code = saveSelection(*loaded.table, *selection, options.output);
+    return code == exitFine && !loaded.whole ? exitFindings : code;
+}
+
+} // namespace
+
+void addSaveCommand(CLI::App& app, Task& task) {
+    auto options = std::make_shared<SaveOptions>();
+    CLI::App* const command =
+        app.add_subcommand("save", "Write chosen rows and columns as a table file");
+    command->add_option("FILE", options->file, "A table file, or - for standard input")
+        ->required()
+        ->type_name("");
+    command->add_option("-o,--output", options->output, "The table file, or - for standard output")
+        ->required()
+        ->type_name("TABLE");
+    command->add_flag("--in-place", options->inPlace, "Allow the table to replace the one read");
+    addSelectionOptions(*command, options->selection);
+    command->callback([options, &task] { task = [options] { return runSave(*options); }; });
+}

@@ -26,6 +26,12 @@ namespace {
 
 constexpr int smallestIndex = 20;
 
+void copyParams(AssocList& params, const oledb& table) {
+    for (unsigned i = 0; i < table.get_num_params(); ++i) {
+        params.set(table.get_param_name(i), table.get_param_value(i));
+    }
+}
+
 int signedRow(std::uint32_t row) noexcept {
     return static_cast<int>(row);
 }
@@ -71,7 +77,6 @@ ODBViewRep::~ODBViewRep() {
     odb(nullptr);
     baseView(nullptr); // stays set where there was no table
     fieldSpec(nullptr);
-    delete fields;
 }
 
 void ODBViewRep::init() {
@@ -82,7 +87,7 @@ void ODBViewRep::init() {
     db = nullptr;
     numIndex = 0;
     indexSize = 0;
-    fields = nullptr;
+    static_cast<void>(fields.release());
     condition = nullptr;
     sortKeys = nullptr;
     dbGuard.reset();
@@ -102,24 +107,28 @@ ODBBase* ODBViewRep::source() const noexcept {
     return base ? static_cast<ODBBase*>(base) : db;
 }
 
+/// Takes over from the new table before the old one is left: memory may run out on the way.
 void ODBViewRep::odb(oledb* table) {
     if (table == db) {
         return;
     }
+    Tarn::Ptr<Tarn::Guard> guard;
+    AssocList taken;
+    if (table) {
+        guard = table->registerInterest(MethodCallback{this, &ODBViewRep::recordsDeletedNotify},
+                                        recordsDeletedType());
+        copyParams(taken, *table);
+    }
     baseView(nullptr);
     clear();
-    dbGuard.reset();
     retargetReferences(db, table);
     db = table;
-    if (!table) {
-        return;
+    dbGuard = std::move(guard);
+    if (table) {
+        filename = table->get_filename();
+        params = std::move(taken);
+        internRevision();
     }
-    filename = table->get_filename();
-    params.clear();
-    addParamsFrom(table);
-    internRevision();
-    dbGuard = table->registerInterest(MethodCallback{this, &ODBViewRep::recordsDeletedNotify},
-                                      recordsDeletedType());
 }
 
 bool ODBViewRep::leadsTo(const ODBViewRep* view) const noexcept {
@@ -141,19 +150,20 @@ void ODBViewRep::baseView(ODBViewRep* newBase) {
     if (newBase == base || (newBase && newBase->leadsTo(this))) {
         return;
     }
+    Tarn::Ptr<Tarn::Guard> guard;
+    AssocList taken;
     if (newBase) {
-        ++newBase->refs; // first: it may live only through the base view that is left
+        guard = newBase->registerInterest(MethodCallback{this, &ODBViewRep::recordsDeletedNotify},
+                                          recordsDeletedType());
+        taken = newBase->params;
+        ++newBase->refs; // before the old base view goes: the new one may live only through it
     }
     clear();
-    params.clear();
     retargetReferences(source(), newBase ? static_cast<ODBBase*>(newBase) : db);
     leaveBase();
     base = newBase;
-    if (newBase) {
-        addParamsFrom(newBase);
-        baseGuard = newBase->registerInterest(
-            MethodCallback{this, &ODBViewRep::recordsDeletedNotify}, recordsDeletedType());
-    }
+    baseGuard = std::move(guard);
+    params = std::move(taken);
 }
 
 void ODBViewRep::fileName(LightweightString<wchar_t> path) {
@@ -168,8 +178,8 @@ void ODBViewRep::internRevision() {
 }
 
 void ODBViewRep::addParamsFrom(oledb* other) {
-    for (unsigned i = 0; other && i < other->get_num_params(); ++i) {
-        params.set(other->get_param_name(i), other->get_param_value(i));
+    if (other) {
+        copyParams(params, *other);
     }
 }
 
@@ -225,6 +235,9 @@ void ODBViewRep::openGap(int at, int n) {
 }
 
 int ODBViewRep::append(int row) {
+    if (!source()) {
+        return 0;
+    }
     sizeIndexFor(numIndex + 1);
     index[static_cast<std::size_t>(numIndex)].row = static_cast<std::uint32_t>(row);
     return numIndex++;

@@ -105,6 +105,7 @@ public:
     int append(int row);
     /// The table's record at a position; null out of range.
     [[nodiscard]] dbrecord* operator[](int i) const;
+    /// The table's row behind a position; 0, which is also a real row, out of range.
     [[nodiscard]] int baseIndex(int i) override;
     /// The source row of a position; 0 out of range.
     [[nodiscard]] int sourceRow(int i) const noexcept;
@@ -162,20 +163,22 @@ public:
     /// Inserts the rows of cookies, one after the other from `at` on; returns how many were found.
     int displayRecordsAt(const std::vector<Cookie>& cookies, int at);
     int displayRecordsAt(const CookieSet& cookies, int at);
-    /// Removes every entry, with notice, and shows every source row. Tags are clear afterwards.
+    /// Removes every entry, with notice, and shows every source row. Tags are clear afterwards
+    /// where the view had entries.
     void displayAllRecords();
     /// The same with the tags of the source, where it has a field "Tag".
     void displayAllRecordsWithBaseTagStatus();
     /// Adds what another view on the same table shows and this one does not; neither may have a
-    /// base view. Returns how many were added. Linear in both.
+    /// base view. Returns how many were added. Linear in both, and
+    /// in the entries behind `at` for each one added.
     int displayAllFromAt(ODBViewRep* other, int at);
     /// The first position that shows a record; -1 for none. Linear.
     [[nodiscard]] int find(dbrecord* record) const;
 
     // -- removal: entries go, rows stay; "recordsDeleted" tells the views above --
 
-    /// Takes n entries out. Sends the positions as they were, also for n = 0 on a position in
-    /// range.
+    /// Takes n entries out, or as many as there are; nothing happens out of range. Sends the
+    /// positions as they were, also for n = 0 on a position in range.
     void remove(int from, int n);
     /// Takes entries out of the whole chain down to the view that stands on the table.
     void removeRecordsFromBaseView(int from, int n);
@@ -186,8 +189,10 @@ public:
 
     // -- rows of the table --
 
-    /// Inserts n empty rows into the table and entries for them here; returns n. The view is taken
-    /// to be in the source's order: entries before `at` are not renumbered.
+    /// Inserts n empty rows into the table and entries for them here; returns n. A table that
+    /// refuses rows (show-tags-only) is not noticed: the entries then show rows that do not exist.
+    /// Other views of the table keep their old numbers. The view is taken to be in the source's
+    /// order: entries before `at` are not renumbered.
     int insertBlankRecords(int at, int n);
     /// Deletes the table's rows behind positions; returns how many positions were handled.
     int deleteRecords(int from, int n);
@@ -231,7 +236,7 @@ public:
     /// The text, null for none.
     [[nodiscard]] const char* fieldSpecText() const noexcept;
     /// The parsed list, owned by the view; null when empty.
-    [[nodiscard]] const SExpr* fieldList() const noexcept { return fields; }
+    [[nodiscard]] const SExpr* fieldList() const noexcept { return fields.get(); }
     /// Appends the text and the parsed list, a line each.
     void asString(GrowString& out) const;
 
@@ -283,6 +288,8 @@ public:
     int in_field(unsigned r, unsigned f, double& number) override;
     int in_field(unsigned r, unsigned f, bool& flag) override;
     int add_records(int n) override;
+    /// Sets a parameter of this view alone, null as a null string; returns 0. A name that is null
+    /// or "" sets nothing: no file could hold it.
     int add_param(const char* name, const char* value) override;
     int set_param_val(const char* name, const char* value) override;
     [[nodiscard]] const char* get_param_val(const char* name) const override;
@@ -326,7 +333,7 @@ private:
     LightweightString<char> fieldSpecStr;
     LightweightString<wchar_t> filename;
     AssocList params;
-    SExpr* fields = nullptr;
+    std::unique_ptr<SExpr> fields;
     const void* condition = nullptr; // always null: rows are not filtered
     const void* sortKeys = nullptr;  // always null: the index has no order of its own
     Tarn::Ptr<Tarn::Guard> dbGuard;

@@ -7,7 +7,7 @@ class dbrecord;
 
 /// Walks the positions of a view, over all entries or only the tagged ones. Position -1 stands on
 /// no entry. The cursor keeps the view alive. Changes to the view do not move it: a position that
-/// has gone stale is brought back into range by the next movement.
+/// has gone stale is brought back into range by `set_index` and `++`; `--` steps down from it.
 class OLE_API ODBViewCursor {
 public:
     /// Stands at `start` (-1 when that is no position of the view).

@@ -32,7 +32,7 @@ int ODBViewRep::delete_tagged_records() {
 int ODBViewRep::add_records(int n) {
     const int first = numIndex;
     insertBlankRecords(first, n);
-    return first;
+    return source() ? first : 0;
 }
 
 unsigned ODBViewRep::get_num_records() const {

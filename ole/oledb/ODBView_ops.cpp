@@ -89,7 +89,7 @@ int ODBViewRep::tagMatches(int keep) {
 int ODBViewRep::tagDuplicatesOrdered(int field) {
     int last = 0;
     int duplicates = 0;
-    for (int i = 1; i < numIndex; ++i) {
+    for (int i = 1; source() && i < numIndex; ++i) {
         const char* const first = get_field(static_cast<unsigned>(last), field);
         if (compareIgnoringCase(first, get_field(static_cast<unsigned>(i), field)) == 0) {
             set_tag(static_cast<unsigned>(i), 1);
@@ -105,18 +105,15 @@ int ODBViewRep::tagDuplicates(int field) {
     if (!source()) {
         return 0;
     }
-    ++refs; // the temporary view counts this one and gives its count back; nobody else need hold it
-    int duplicates = 0;
-    {
-        ODBViewRep ordered{db, fieldSpecText()};
-        ordered.baseView(this);
-        ordered.displayAllRecords();
-        ordered.set_sortfield(field);
-        ordered.sort(1, 0);
-        duplicates = ordered.tagDuplicatesOrdered(field);
-        ordered.tagBaseFromTags();
-    }
-    --refs;
+    const KeepAlive alive{
+        *this}; // the temporary view gives its count back; nobody else need hold one
+    ODBViewRep ordered{db, fieldSpecText()};
+    ordered.baseView(this);
+    ordered.displayAllRecords();
+    ordered.set_sortfield(field);
+    ordered.sort(1, 0);
+    const int duplicates = ordered.tagDuplicatesOrdered(field);
+    ordered.tagBaseFromTags();
     return duplicates;
 }
 
@@ -131,6 +128,7 @@ ODBViewRep* ODBViewRep::newTagSubview() {
     if (!db) {
         return nullptr;
     }
+    const KeepAlive alive{*this}; // outlives the view, should memory run out
     auto view = std::make_unique<ODBViewRep>(db, fieldSpecText());
     view->baseView(this);
     view->displayTaggedRecordsAt(0);
@@ -165,7 +163,7 @@ void ODBViewRep::displayAllRecordsWithBaseTagStatus() {
 // -- display --
 
 int ODBViewRep::displayRecordsAt(int row, int n, int at) {
-    if (n < 0 || n > INT_MAX - numIndex) {
+    if (!source() || n < 0 || n > INT_MAX - numIndex) {
         return 0;
     }
     const int first = clamped(at);
@@ -265,13 +263,14 @@ void ODBViewRep::remove(int from, int n) {
         return;
     }
     const int removed = std::min(n, numIndex - from);
+    const NotifyMsg msg{positions(from, removed)};
     IndexEntry* const entries = index.get();
     if (from + removed < held()) {
         std::copy(entries + from + removed, entries + held(), entries + from);
     }
     sizeIndexFor(numIndex - removed);
     numIndex -= removed;
-    issueNotification(NotifyMsg{positions(from, removed)}, recordsDeletedType());
+    issueNotification(msg, recordsDeletedType());
 }
 
 /// How many entries from `from` on show consecutive source rows. The bound deliberately compares
@@ -313,6 +312,9 @@ void ODBViewRep::removeRecordsFromBaseView(int from, int n) {
 }
 
 int ODBViewRep::removeSome(Predicate selects) {
+    if (!source() || !selects) {
+        return 0;
+    }
     const KeepAlive alive{*this};
     int start = -1;
     int removed = 0;
@@ -342,7 +344,11 @@ int ODBViewRep::insertBlankRecords(int at, int n) {
         return 0;
     }
     const int p = clamped(at);
+    if (p != numIndex && !isPosition(p)) {
+        return 0; // counted, but without storage: there is no row to insert before
+    }
     auto first = static_cast<std::uint32_t>(sourceRow(p));
+    sizeIndexFor(numIndex + n); // first, so that the table changes only where the view can follow
     if (p == numIndex) {
         first = from->get_num_records();
         from->add_records(n);
@@ -350,7 +356,6 @@ int ODBViewRep::insertBlankRecords(int at, int n) {
         from->insert_records(first, static_cast<unsigned>(n));
     }
     const auto shift = static_cast<std::uint32_t>(n);
-    sizeIndexFor(numIndex + n);
     openGap(p, n);
     numIndex += n;
     for (int i = p; i < numIndex; ++i) {
@@ -381,6 +386,9 @@ int ODBViewRep::deleteRecords(int from, int n) {
 }
 
 int ODBViewRep::deleteTagged() {
+    if (!source()) {
+        return 0;
+    }
     const KeepAlive alive{*this};
     int start = -1;
     int deleted = 0;

@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -64,10 +65,12 @@ void ODBViewRep::fieldSpec(const char* spec) {
             continue;
         }
         auto reference = std::make_unique<SExprRef>(field, source());
-        fields = std::make_unique<SExpr>(reference.get(), fields).release();
-        static_cast<void>(reference.release()); // owned by the list now
+        auto node = std::make_unique<SExpr>(reference.get(), fields.get());
+        static_cast<void>(reference.release()); // owned by the node now, as is the list behind it
+        static_cast<void>(fields.release());
+        fields = std::move(node);
     }
-    fields = SExpr::reverse(fields);
+    fields.reset(SExpr::reverse(fields.release()));
 }
 
 const char* ODBViewRep::fieldSpecText() const noexcept {
@@ -85,7 +88,7 @@ void ODBViewRep::asString(GrowString& out) const {
 
 /// References to a source that is being left name the new one, so that none outlives what it names.
 void ODBViewRep::retargetReferences(const ODBBase* from, ODBBase* to) {
-    for (const SExpr* node = fields; node; node = node->next) {
+    for (const SExpr* node = fields.get(); node; node = node->next) {
         if (node->elt && node->elt->kind == SExprElt::FieldReference) {
             auto* const reference = dynamic_cast<SExprRef*>(node->elt);
             if (reference && reference->db == from) {

@@ -284,6 +284,9 @@ public:
             return 0;
         }
         const int p = std::clamp(where, 0, count_);
+        if (p != count_ && !isPosition(p)) {
+            return 0; // counted, but without storage
+        }
         unsigned first = static_cast<unsigned>(sourceRow(p));
         if (p == count_) {
             first = source().get_num_records();

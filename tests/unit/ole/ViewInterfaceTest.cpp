@@ -139,11 +139,13 @@ TEST(ViewInterface, WithoutASourceNothingHappens) {
                   view.countTags() + view.tagMatches(0) + view.tagDuplicates(0) +
                   view.insertBlankRecords(0, 1) + view.deleteRecords(0, 1) + view.match_record(0) +
                   view.saveAsText("/nowhere", false) + view.saveOnlyTagged("/nowhere") +
-                  view.displayAllFromAt(&view, 0),
+                  view.displayAllFromAt(&view, 0) + view.displayRecordsAt(3, 2, 0) +
+                  view.add_records(1) + view.removeTagged() + view.removeNonTagged() +
+                  view.deleteTagged() + view.tagDuplicatesOrdered(0),
               0);
     view.displayAllRecords();
     view.removeRecordsFromBaseView(0, 1);
-    EXPECT_EQ(view.count(), 1);
+    EXPECT_EQ(view.count(), 0);
     oledb unusable;
     EXPECT_EQ(ODBViewRep{&unusable}.get_valid(), 0);
     EXPECT_EQ(ODBViewRep{TableAndView{}.table.get()}.get_num_records(), 0U);

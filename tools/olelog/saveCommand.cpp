@@ -70,6 +70,10 @@ int runSave(const SaveOptions& options) {
         say("{} would be replaced by a selection of it; --in-place allows that", options.output);
         return exitUsage;
     }
+    if (!options.inPlace && isForeignFile(options.output)) {
+        say("{} exists and is no table; --in-place allows to replace it", options.output);
+        return exitUsage;
+    }
     const auto file = InputFile::open(options.file);
     const LoadedTable loaded = file ? loadTable(*file) : LoadedTable{};
     if (!loaded.table) {

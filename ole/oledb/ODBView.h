@@ -321,6 +321,8 @@ private:
     void writeHeading(TextFile& file) const;
     void sortEntries();
     [[nodiscard]] bool leadsTo(const ODBViewRep* view) const noexcept;
+    template <class Selects, class Take>
+    int takeRuns(Selects selects, Take take);
     template <class Tag>
     void tagFromSourceRows(Tag tagOf);
 

@@ -8,6 +8,7 @@
 #include "ole/oledb/messageTypes.h"
 #include "ole/oledb/ODBView.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/rowNumbers.h"
 #include "ole/oledb/ViewKeepAlive.h"
 #include "tarn/Cookie.h"
 #include "tarn/CookieSet.h"
@@ -18,19 +19,9 @@
 #include <algorithm>
 #include <climits>
 #include <memory>
-#include <string>
 #include <unordered_set>
 
 namespace {
-
-LightweightString<char> positions(int from, int n) {
-    std::string text;
-    for (int k = 0; k < n; ++k) {
-        text += std::to_string(from + k);
-        text += ' ';
-    }
-    return LightweightString<char>{std::string_view{text}};
-}
 
 /// The position behind `shown` entries that begin at `at`, which may be any number.
 int behind(int at, int shown) {
@@ -263,7 +254,7 @@ void ODBViewRep::remove(int from, int n) {
         return;
     }
     const int removed = std::min(n, numIndex - from);
-    const NotifyMsg msg{positions(from, removed)};
+    const NotifyMsg msg{rowNumbers(static_cast<unsigned>(from), static_cast<unsigned>(removed))};
     IndexEntry* const entries = index.get();
     if (from + removed < held()) {
         std::copy(entries + from + removed, entries + held(), entries + from);
@@ -311,29 +302,37 @@ void ODBViewRep::removeRecordsFromBaseView(int from, int n) {
     }
 }
 
-int ODBViewRep::removeSome(Predicate selects) {
-    if (!source() || !selects) {
-        return 0;
-    }
-    const KeepAlive alive{*this};
+/// Hands each maximal run of entries that a test selects to `take`, which takes them out, and
+/// returns how many entries that were. The walk goes on where the run began.
+template <class Selects, class Take>
+int ODBViewRep::takeRuns(Selects selects, Take take) {
     int start = -1;
-    int removed = 0;
+    int taken = 0;
     int i = 0;
     for (; i < numIndex; ++i) {
-        if ((this->*selects)(i)) {
+        if (selects(i)) {
             start = start < 0 ? i : start;
         } else if (start >= 0) {
-            removeRecordsFromBaseView(start, i - start);
-            removed += i - start;
+            take(start, i - start);
+            taken += i - start;
             i = start;
             start = -1;
         }
     }
     if (start >= 0) {
-        removeRecordsFromBaseView(start, i - start);
-        removed += i - start;
+        take(start, i - start);
+        taken += i - start;
     }
-    return removed;
+    return taken;
+}
+
+int ODBViewRep::removeSome(Predicate selects) {
+    if (!source() || !selects) {
+        return 0;
+    }
+    const KeepAlive alive{*this};
+    return takeRuns([this, selects](int i) { return (this->*selects)(i); },
+                    [this](int from, int n) { removeRecordsFromBaseView(from, n); });
 }
 
 // -- rows of the table --
@@ -390,24 +389,8 @@ int ODBViewRep::deleteTagged() {
         return 0;
     }
     const KeepAlive alive{*this};
-    int start = -1;
-    int deleted = 0;
-    int i = 0;
-    for (; i < numIndex; ++i) {
-        if (tag(i)) {
-            start = start < 0 ? i : start;
-        } else if (start >= 0) {
-            deleteRecords(start, i - start);
-            deleted += i - start;
-            i = start;
-            start = -1;
-        }
-    }
-    if (start >= 0) {
-        deleteRecords(start, i - start);
-        deleted += i - start;
-    }
-    return deleted;
+    return takeRuns([this](int i) { return tag(i); },
+                    [this](int from, int n) { deleteRecords(from, n); });
 }
 
 // -- copies --

@@ -5,25 +5,12 @@
 
 #include "misc/date_def.h"
 #include "ole/oledb/messageTypes.h"
+#include "ole/oledb/rowNumbers.h"
 #include "tarn/NotifyMsg.h"
 #include "tarn/numbers.h"
 
 #include <algorithm>
-#include <string>
 #include <utility>
-
-namespace {
-
-LightweightString<char> rowNumbers(unsigned from, unsigned n) {
-    std::string text;
-    for (unsigned i = 0; i < n; ++i) {
-        text += std::to_string(from + i);
-        text += ' ';
-    }
-    return LightweightString<char>{std::string_view{text}};
-}
-
-} // namespace
 
 /// Appends n rows that `make` gives for 0, 1, ...: all of them, or none when memory runs out.
 template <class Make>

@@ -1,16 +1,14 @@
 // Saving text files, at once and streamed: whole or not at all, whatever stands at the path.
 
 #include "tarn/TextFile.h"
+#include "unit/ChildProcess.h"
 #include "unit/TemporaryFolder.h"
 
-#include <csignal>
 #include <functional>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -23,19 +21,7 @@ using Style = TextFile::eEOLStyle;
 
 constexpr uid_t nobody = 65534;
 
-/// Runs a step in a process of its own and returns its answer.
-bool inChild(const std::function<bool()>& step) {
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(step() ? 1 : 0);
-    }
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status)) << "the step crashed";
-    return WEXITSTATUS(status) == 1;
-}
-
-/// The same without the rights of the superuser, who may do everything.
+/// Runs a step without the rights of the superuser, who may do everything.
 bool inPlainUsersChild(const std::function<bool()>& step) {
     return inChild([&] {
         if (geteuid() == 0 &&
@@ -199,10 +185,7 @@ TEST_P(TextFileSave, NoPermissionLeavesEverythingAsItWas) {
 // The disk is full, after some pieces have been written.
 TEST_P(TextFileSave, FailureOnTheWayLeavesTheOldFile) {
     folder_.write("f", "old");
-    const bool saved = inChild([&] {
-        const rlimit limit{600'000, 600'000};
-        std::signal(SIGXFSZ, SIG_IGN);
-        setrlimit(RLIMIT_FSIZE, &limit);
+    const bool saved = inChildWithFullDisk(600'000, [&] {
         const bool small = save(folder_.wide("small"), {"fits"});
         return !small ||
                save(folder_.wide("f"), std::vector<std::string>(10'000, std::string(250, 'x')));

@@ -3,10 +3,9 @@
 #include "tarn/NotifyMsgTokenIterator.h"
 
 #include "tarn/NotifyMsg.h"
+#include "tarn/numbers.h"
 
 #include <algorithm>
-#include <charconv>
-#include <system_error>
 
 NotifyMsgTokenIterator::NotifyMsgTokenIterator(const NotifyMsg& msg) noexcept
     : NotifyMsgTokenIterator{std::string_view{msg.text()}} {}
@@ -16,10 +15,7 @@ NotifyMsgTokenIterator::NotifyMsgTokenIterator(std::string_view text) noexcept :
 }
 
 int NotifyMsgTokenIterator::number() const noexcept {
-    const char* const end = token_.data() + token_.size();
-    int value = 0;
-    const auto result = std::from_chars(token_.data(), end, value);
-    return result.ec == std::errc{} && result.ptr == end ? value : 0;
+    return Tarn::parseInt(token_);
 }
 
 NotifyMsgTokenIterator& NotifyMsgTokenIterator::operator++() noexcept {

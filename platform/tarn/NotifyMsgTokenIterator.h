@@ -17,7 +17,7 @@ public:
 
     [[nodiscard]] bool valid() const noexcept { return !token_.empty(); }
     [[nodiscard]] std::string_view token() const noexcept { return token_; }
-    /// The token as a whole number, which may be negative; 0 for other texts.
+    /// The whole number that the token begins with, see `Tarn::parseInt`; 0 where there is none.
     [[nodiscard]] int number() const noexcept;
     NotifyMsgTokenIterator& operator++() noexcept;
 

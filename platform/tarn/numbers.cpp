@@ -4,6 +4,7 @@
 
 #include "tarn/Ascii.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -24,22 +25,13 @@ LightweightString<char> textOf(const char* first, const char* last) {
     return {first, static_cast<std::size_t>(last - first)};
 }
 
-const char* skipSpace(const char* text) noexcept {
-    while (isSpace(*text)) {
-        ++text;
-    }
-    return text;
-}
-
 template <class Number>
-Number parseWhole(const char* text) noexcept {
-    const char* digits = skipSpace(text ? text : "");
-    const bool negative = *digits == '-';
-    digits += negative || *digits == '+' ? 1 : 0;
-    const char* end = digits;
-    while (isDigit(*end)) {
-        ++end;
-    }
+Number parseWhole(std::string_view text) noexcept {
+    const char* const last = text.data() + text.size();
+    const char* const first = std::find_if_not(text.data(), last, isSpace);
+    const bool negative = first != last && *first == '-';
+    const char* const digits = first + (negative || (first != last && *first == '+') ? 1 : 0);
+    const char* const end = std::find_if_not(digits, last, isDigit);
     if (end == digits) {
         return 0;
     }
@@ -49,6 +41,10 @@ Number parseWhole(const char* text) noexcept {
         return negative ? std::numeric_limits<Number>::min() : std::numeric_limits<Number>::max();
     }
     return number;
+}
+
+std::string_view textOrNone(const char* text) noexcept {
+    return text ? std::string_view{text} : std::string_view{};
 }
 
 locale_t plainLocale() noexcept {
@@ -73,11 +69,15 @@ LightweightString<char> fixed8(double number) {
 }
 
 int parseInt(const char* text) noexcept {
+    return parseInt(textOrNone(text));
+}
+
+int parseInt(std::string_view text) noexcept {
     return parseWhole<int>(text);
 }
 
 long long parseLongLong(const char* text) noexcept {
-    return parseWhole<long long>(text);
+    return parseWhole<long long>(textOrNone(text));
 }
 
 double parseDouble(const char* text) noexcept {

@@ -38,10 +38,11 @@ TEST(NotifyMsgTokens, AreSeparatedByAnyRunOfBlanks) {
     EXPECT_EQ(tokens(NotifyMsg{"  12   abc a\tb -3 "}), (List{"12", "abc", "a\tb", "-3"}));
 }
 
-TEST(NotifyMsgTokens, ReadAsWholeNumbersOnly) {
+TEST(NotifyMsgTokens, ReadAsTheNumberTheyBeginWith) {
     EXPECT_EQ(numbers("0 7 -1 2147483647 -2147483648"),
               (std::vector<int>{0, 7, -1, INT_MAX, INT_MIN}));
-    EXPECT_EQ(numbers("2147483648 5x x5 - 1.5 +"), (std::vector<int>{0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(numbers("5x +6 \t7 1.5 x5 - + +-1"), (std::vector<int>{5, 6, 7, 1, 0, 0, 0, 0}));
+    EXPECT_EQ(numbers("2147483648 -2147483649"), (std::vector<int>{INT_MAX, INT_MIN}));
 }
 
 TEST(NotifyMsgTypes, OneNumberForOneName) {

@@ -27,7 +27,7 @@ class OLE_API SExpr : public SExprElt {
 public:
     /// Takes ownership of both; either may be null.
     SExpr(SExprElt* element, SExpr* rest) noexcept : SExprElt{ListNode}, elt{element}, next{rest} {}
-    /// Deletes the list from here on. Linear in its length, whatever that is: nothing recurses.
+    /// Deletes the list from here on. Linear in its length, without recursion along it.
     ~SExpr() override;
     /// "(", the elements' texts separated by blanks, ")".
     void asString(GrowString& out) const override;
@@ -50,6 +50,7 @@ public:
 
     std::int32_t field;
     ODBBase* db;
+    const void* unused = nullptr; ///< always null
 };
 
 /// An operator. None is made by parsing.

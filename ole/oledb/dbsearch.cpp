@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <cstring>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 namespace {
 
@@ -76,6 +78,35 @@ int oledb::findFirst(const char* field, const char* value, int n) {
         }
     }
     return -1;
+}
+
+// As findFirst for each, with the texts that are no cookie of the index looked up in another one.
+std::vector<int> oledb::findFirstOfEach(const std::vector<Cookie>& cookies) {
+    std::unordered_map<std::string_view, int> rowOfText;
+    std::vector<int> found;
+    found.reserve(cookies.size());
+    for (const Cookie& cookie : cookies) {
+        const auto text = cookie.asString(false);
+        int row = getRowIndexByID(Cookie{text, false});
+        if (row < 0) {
+            if (rowOfText.empty()) {
+                rowOfText = rowsByText(get_fieldnum("Cookie"));
+            }
+            const auto other = rowOfText.find(text.view());
+            row = other == rowOfText.end() ? -1 : other->second;
+        }
+        found.push_back(row);
+    }
+    return found;
+}
+
+/// The first row of each text of a column; the texts are the rows'.
+std::unordered_map<std::string_view, int> oledb::rowsByText(int col) const {
+    std::unordered_map<std::string_view, int> rows;
+    for (unsigned i = 0; col >= 0 && i < rows_.count(); ++i) {
+        rows.emplace(valueAt(*rows_.at(i), col), static_cast<int>(i));
+    }
+    return rows;
 }
 
 // -- query --

@@ -326,6 +326,9 @@ public:
     /// The first row (of all rows) whose column holds a text; with n > 0 only the first n bytes
     /// count. For the column "cookie" the index is asked first. -1 for none. Linear in the rows.
     [[nodiscard]] int findFirst(const char* field, const char* value, int n) override;
+    /// For each cookie the row that `findFirst` finds for its short text form in the column
+    /// "cookie", -1 for none. Linear in the rows once, and in the cookies.
+    [[nodiscard]] std::vector<int> findFirstOfEach(const std::vector<Cookie>& cookies);
     /// Sets the query record, whose non-empty values are patterns, and returns its number of
     /// values. It must outlive its use. One with fewer values than columns is not taken. Null
     /// clears the query and gives 0.
@@ -410,6 +413,7 @@ private:
     void writeTagColumn();
     bool saveRows(bool namesOnly, bool taggedOnly);
     void buildCookieMap() const;
+    [[nodiscard]] std::unordered_map<std::string_view, int> rowsByText(int col) const;
     [[nodiscard]] bool equalColumns(const oledb& other) const;
     void computeSpecialLabels();
     [[nodiscard]] int labelRangeHolds(const dbrecord& record, std::string_view query, int startCol,

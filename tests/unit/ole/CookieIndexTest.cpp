@@ -47,6 +47,21 @@ TEST(CookieIndex, BuiltFromTheColumnOnDemand) {
     EXPECT_EQ(rowsById(*cookieTable({" " + longForm}), 1), (Numbers{0}));
 }
 
+/// Many cookies at once are found as one after the other: by an index that knows too little, by the
+/// text of a row, and, for no cookie, by the first row without one.
+TEST(CookieIndex, ManyAreFoundAsOneByOne) {
+    const auto table = cookieTable({cookieText(3), cookieText(0), "", "", cookieText(0)});
+    EXPECT_EQ(table->set_field(1, cookieNo(7)), 1);
+    const std::vector<Cookie> sought{cookieNo(9), cookieNo(0), Cookie{}, cookieNo(7), cookieNo(3)};
+    Numbers oneByOne;
+    for (const Cookie& cookie : sought) {
+        oneByOne.push_back(table->findFirst("Cookie", cookie.asString(false).c_str(), 0));
+    }
+    EXPECT_EQ(table->findFirstOfEach(sought), oneByOne);
+    EXPECT_EQ(oneByOne, (Numbers{-1, 4, 2, 1, 0}));
+    EXPECT_EQ(makeTable({"Name"}, {{"a"}})->findFirstOfEach(sought), Numbers(5, -1));
+}
+
 /// A single write on a table that was not asked yet makes an index of that row alone.
 TEST(CookieIndex, APartialIndexAnswersForItsRowsOnly) {
     const auto table = cookieTable({cookieText(0), cookieText(1), cookieText(2)});

@@ -205,33 +205,49 @@ void ODBViewRep::clear() {
     numIndex = 0;
 }
 
-void ODBViewRep::sizeIndexFor(int n) {
+int ODBViewRep::capacityFor(int n) const noexcept {
     if (n == 0) {
-        index.reset();
-        indexSize = 0;
-        return;
+        return 0;
     }
     const long long need = std::max(n, smallestIndex);
-    long long capacity = indexSize;
+    const long long capacity = indexSize;
     if (capacity < need) {
-        capacity = std::min<long long>(std::max(capacity * 2, need), INT_MAX);
-    } else if (need * 2 < capacity) {
-        capacity /= 2;
+        return static_cast<int>(std::min<long long>(std::max(capacity * 2, need), INT_MAX));
     }
+    return need * 2 < capacity ? indexSize / 2 : indexSize;
+}
+
+/// New storage for n entries, none where the present storage stays or goes.
+std::unique_ptr<ODBViewRep::IndexEntry[]> ODBViewRep::storageFor(int n) const {
+    const int capacity = capacityFor(n);
+    return capacity == 0 || capacity == indexSize
+               ? nullptr
+               : std::make_unique<IndexEntry[]>(static_cast<std::size_t>(capacity));
+}
+
+/// Moves into what `storageFor(n)` gave.
+void ODBViewRep::moveInto(std::unique_ptr<IndexEntry[]> storage, int n) noexcept {
+    const int capacity = capacityFor(n);
     if (capacity == indexSize) {
         return;
     }
-    const auto size = static_cast<std::size_t>(capacity);
-    auto grown = std::make_unique<IndexEntry[]>(size);
-    const long long kept = capacity < numIndex ? need : numIndex;
-    std::copy_n(index.get(), std::min<long long>(kept, indexSize), grown.get());
-    index = std::move(grown);
-    indexSize = static_cast<int>(capacity);
+    if (storage) {
+        const int kept = capacity < numIndex ? std::max(n, smallestIndex) : numIndex;
+        std::copy_n(index.get(), std::min(kept, indexSize), storage.get());
+    }
+    index = std::move(storage);
+    indexSize = capacity;
+}
+
+void ODBViewRep::sizeIndexFor(int n) {
+    moveInto(storageFor(n), n);
 }
 
 void ODBViewRep::openGap(int at, int n) {
     IndexEntry* const entries = index.get();
-    std::copy_backward(entries + at, entries + numIndex, entries + numIndex + n);
+    if (n > 0) {
+        std::copy_backward(entries + at, entries + numIndex, entries + numIndex + n);
+    }
 }
 
 int ODBViewRep::append(int row) {

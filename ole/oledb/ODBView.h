@@ -87,11 +87,15 @@ public:
     [[nodiscard]] ODBBase* source() const noexcept;
     /// Empties the index and frees it, tags included. Tells nobody.
     void clear();
+    /// Sets the path that `save_text` and `save_tags` write to; the table's own stays. The same as
+    /// `set_filename`.
     void fileName(LightweightString<wchar_t> path);
     /// Gives the parameter "OLEDB" its current text where it was set to a null string; any other
     /// text stays, and where there is none, none is made.
     void internRevision();
-    /// Copies parameters, replacing those of the same name.
+    /// Copies parameters, replacing those of the same name. This and the setting of table or base
+    /// view are the only times that parameters travel: what is set later below does not come up,
+    /// and what is set here does not go down.
     void addParamsFrom(oledb* other);
     void addParamsFrom(ODBViewRep* other);
     [[nodiscard]] const AssocList& parameters() const noexcept { return params; }
@@ -107,12 +111,15 @@ public:
     [[nodiscard]] dbrecord* operator[](int i) const;
     /// The table's row behind a position; 0, which is also a real row, out of range.
     [[nodiscard]] int baseIndex(int i) override;
-    /// The source row of a position; 0 out of range.
+    /// The source row of a position; 0, which is also a real row, out of range.
     [[nodiscard]] int sourceRow(int i) const noexcept;
     /// The first position that shows a source row; -1 for none. Linear.
     [[nodiscard]] int findViewIndexForBaseRow(unsigned long row) const;
+    /// The number of entries; after `sizeIndexFor(0)` more than the capacity holds.
     [[nodiscard]] int count() const noexcept { return numIndex; }
+    /// The number of entries that there is storage for.
     [[nodiscard]] int capacity() const noexcept { return indexSize; }
+    /// How many handles and views built on this one hold it.
     [[nodiscard]] unsigned references() const noexcept { return refs; }
     /// True: no filter can be set.
     [[nodiscard]] bool satisfiesCondition(dbrecord* record);
@@ -122,10 +129,13 @@ public:
     /// deleted row.
     int recordsDeletedNotify(const NotifyMsg& msg);
 
-    // -- tags --
+    // -- tags: linear in V where more than one entry is meant --
 
+    /// Gives every entry the same tag; returns the number of entries, 0 without a source.
     int tagAll(bool on);
+    /// Turns every entry's tag around; returns the number of entries, 0 without a source.
     int invertAllTags();
+    /// How many entries are tagged; 0 without a source.
     [[nodiscard]] int countTags() const;
     /// Whether a position is tagged; false out of range.
     [[nodiscard]] bool tag(int i);
@@ -138,9 +148,11 @@ public:
     /// and returns how many. The view must be in the order of that field. Tags are only set.
     int tagDuplicatesOrdered(int field);
     /// Tags every entry but the first of each group of equal values and takes all other tags;
-    /// returns how many. The table's sort key is that field afterwards. V log V comparisons.
+    /// returns how many. The table's sort key is that field afterwards, and names of the field
+    /// specification that the source does not know are warned about once more. V log V comparisons.
     int tagDuplicates(int field);
-    /// Gives the source's rows the tags of this view's entries. One level only.
+    /// Gives the source's rows the tags of this view's entries. One level only. Where two entries
+    /// show one row, the last one's tag stays.
     void tagBaseFromTags();
     /// A new view over this one that shows its tagged entries; the caller owns it. Null without a
     /// table.
@@ -148,7 +160,7 @@ public:
     /// Shows all rows, and tags those whose field "Tag" holds a number other than 0.
     void setupViewTagsFromOledbTagField();
 
-    // -- display: entries are added without a notice --
+    // -- display: entries are added without a notice; long displays tell the watchdog --
 
     /// Inserts entries for n source rows from `row` on before position `at`, which is brought into
     /// range; returns n, 0 for a negative n. The rows are not checked. Linear in the entries
@@ -156,11 +168,14 @@ public:
     int displayRecordsAt(int row, int n, int at);
     /// Inserts an entry for the first row whose field holds a value; false when there is none. The
     /// row found is the table's: over a base view it is taken for a position of that view all the
-    /// same.
+    /// same. Linear in the table's rows, but for the field "Cookie".
     bool displayMatchAt(const char* field, const char* value, int at);
-    /// Inserts the source's tagged rows.
+    /// Inserts the source's tagged rows. Linear in the source's rows and in the entries behind. In
+    /// a table that shows tagged rows only the numbers are those of the shown rows.
     void displayTaggedRecordsAt(int at);
     /// Inserts the rows of cookies, one after the other from `at` on; returns how many were found.
+    /// Linear in the table's rows once, in the cookies, and in the entries behind `at` for each one
+    /// found. Over a base view a row is taken as `displayMatchAt` takes it.
     int displayRecordsAt(const std::vector<Cookie>& cookies, int at);
     int displayRecordsAt(const CookieSet& cookies, int at);
     /// Removes every entry, with notice, and shows every source row. Tags are clear afterwards
@@ -178,11 +193,13 @@ public:
     // -- removal: entries go, rows stay; "recordsDeleted" tells the views above --
 
     /// Takes n entries out, or as many as there are; nothing happens out of range. Sends the
-    /// positions as they were, also for n = 0 on a position in range.
+    /// positions as they were, also for n = 0 on a position in range. Linear in the entries behind,
+    /// and V steps of each view above for each entry.
     void remove(int from, int n);
     /// Takes entries out of the whole chain down to the view that stands on the table.
     void removeRecordsFromBaseView(int from, int n);
-    /// Takes out, by runs, what a predicate selects; returns how many.
+    /// Takes out, by runs, what a predicate selects; returns how many. V steps for each run (and
+    /// what `remove` costs above): to leave few of many, rather fill a new view with those few.
     int removeSome(Predicate selects);
     int removeTagged() { return removeSome(&ODBViewRep::tag); }
     int removeNonTagged() { return removeSome(&ODBViewRep::notTagged); }
@@ -194,7 +211,8 @@ public:
     /// Other views of the table keep their old numbers. The view is taken to be in the source's
     /// order: entries before `at` are not renumbered.
     int insertBlankRecords(int at, int n);
-    /// Deletes the table's rows behind positions; returns how many positions were handled.
+    /// Deletes the table's rows behind positions; returns how many positions were handled. V steps
+    /// of every view of the table for each row.
     int deleteRecords(int from, int n);
     /// Deletes the table's rows behind the tagged positions; returns how many positions were
     /// handled. Where two positions show one row, a further row goes.
@@ -207,7 +225,7 @@ public:
     void sort(int dirn, int x) override;
     /// A new view on the same table; the caller owns it. Without a base view it shows what this one
     /// shows, each row once; over a base view it shows all of that. Tags are copied by position.
-    /// Null without a table.
+    /// Null without a table. Linear in V.
     [[nodiscard]] ODBViewRep* copy();
     /// A new view, the caller's, on a new table, also the caller's (`table`), that holds copies of
     /// the rows that the table shows. Null without a table.
@@ -266,6 +284,7 @@ public:
     void set_sortfield(int f) override;
     void set_sortfields(int* list) override;
     void set_sort_offset(int offset) override;
+    /// These two return 1; 0 and nothing done out of range.
     int set_tag(unsigned i, int v) override;
     int invert_tag(unsigned i) override;
     int set_all_tags(int v) override;
@@ -296,6 +315,8 @@ public:
     [[nodiscard]] int findFirst(const char* a, const char* b, int start) override;
     void sortPrepare(int dir, int force) override;
     [[nodiscard]] int match_record(int r) const override;
+    /// Whether the source is valid, as a table is that was made from fields or loaded; 0 without
+    /// one.
     [[nodiscard]] int get_valid() const override;
 
 private:
@@ -311,11 +332,15 @@ private:
     [[nodiscard]] int held() const noexcept;
     [[nodiscard]] bool isPosition(int i) const noexcept { return i >= 0 && i < held(); }
     [[nodiscard]] int clamped(int at) const noexcept;
+    [[nodiscard]] int capacityFor(int n) const noexcept;
+    [[nodiscard]] std::unique_ptr<IndexEntry[]> storageFor(int n) const;
+    void moveInto(std::unique_ptr<IndexEntry[]> storage, int n) noexcept;
     void openGap(int at, int n);
     [[nodiscard]] int runLength(int from, int k) const noexcept;
     void leaveBase();
     void retargetReferences(const ODBBase* from, ODBBase* to);
     void release() noexcept;
+    [[nodiscard]] std::vector<int> rowsOf(const std::vector<Cookie>& cookies) const;
     void copyTagsTo(ODBViewRep& other) const;
     void dropDeletedRow(long long d, int k, std::string& collected);
     void writeHeading(TextFile& file) const;

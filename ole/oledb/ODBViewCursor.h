@@ -13,7 +13,9 @@ public:
     /// Stands at `start` (-1 when that is no position of the view).
     explicit ODBViewCursor(ODBView view, int start = -1, bool onlyTagged = false);
 
+    /// The position that it stands at; -1 for none.
     [[nodiscard]] int position() const noexcept { return position_; }
+    /// Whether `++` and `--` pass over untagged entries.
     [[nodiscard]] bool taggedOnly() const noexcept { return taggedOnly_; }
     void setTaggedOnly(bool onlyTagged) noexcept { taggedOnly_ = onlyTagged; }
 

@@ -177,6 +177,7 @@ bool ODBViewRep::displayMatchAt(const char* field, const char* value, int at) {
 }
 
 void ODBViewRep::displayTaggedRecordsAt(int at) {
+    const LifeSupport lifeSupport;
     ODBBase* const from = source();
     if (!from) {
         return;
@@ -195,12 +196,24 @@ void ODBViewRep::displayTaggedRecordsAt(int at) {
     numIndex += n;
 }
 
+/// The rows that the source finds for cookies: whatever the chain, it asks the table at its bottom.
+std::vector<int> ODBViewRep::rowsOf(const std::vector<Cookie>& cookies) const {
+    const ODBViewRep* bottom = this;
+    while (bottom->base) {
+        bottom = bottom->base;
+    }
+    if (bottom->db) {
+        return bottom->db->findFirstOfEach(cookies);
+    }
+    return std::vector<int>(cookies.size(), bottom == this ? -1 : 0); // 0: a view without a source
+}
+
 int ODBViewRep::displayRecordsAt(const std::vector<Cookie>& cookies, int at) {
-    const LifeSupport alive;
+    const LifeSupport lifeSupport;
     int shown = 0;
-    for (const Cookie& cookie : cookies) {
-        if (displayMatchAt("Cookie", cookie.asString(false).c_str(), behind(at, shown))) {
-            ++shown;
+    for (const int row : rowsOf(cookies)) {
+        if (row >= 0) {
+            shown += displayRecordsAt(row, 1, behind(at, shown));
         }
     }
     return shown;
@@ -211,6 +224,7 @@ int ODBViewRep::displayRecordsAt(const CookieSet& cookies, int at) {
 }
 
 void ODBViewRep::displayAllRecords() {
+    const LifeSupport lifeSupport;
     const KeepAlive alive{*this};
     if (source()) {
         remove(0, numIndex);
@@ -224,6 +238,7 @@ int ODBViewRep::displayAllFromAt(ODBViewRep* other, int at) {
     if (base || !db || !other || other->base || other->db != db) {
         return 0;
     }
+    const LifeSupport lifeSupport;
     std::unordered_set<const dbrecord*> shown;
     for (int i = 0; i < numIndex; ++i) {
         shown.insert((*this)[i]);
@@ -255,11 +270,12 @@ void ODBViewRep::remove(int from, int n) {
     }
     const int removed = std::min(n, numIndex - from);
     const NotifyMsg msg{rowNumbers(static_cast<unsigned>(from), static_cast<unsigned>(removed))};
+    auto storage = storageFor(numIndex - removed); // first: memory may run out
     IndexEntry* const entries = index.get();
-    if (from + removed < held()) {
+    if (removed > 0 && from + removed < held()) {
         std::copy(entries + from + removed, entries + held(), entries + from);
     }
-    sizeIndexFor(numIndex - removed);
+    moveInto(std::move(storage), numIndex - removed);
     numIndex -= removed;
     issueNotification(msg, recordsDeletedType());
 }

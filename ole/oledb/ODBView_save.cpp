@@ -45,7 +45,9 @@ int ODBViewRep::saveAsText(LightweightString<wchar_t> name, bool noRecords) {
         }
         dbrecord written{*record};
         written.set_field(tagCol, tag(reached) ? "1" : "0", true);
-        written.write(file);
+        if (written.write(file) == 0) {
+            break;
+        }
     }
     return file.save(name, lineEnds) ? reached : 0;
 }
@@ -65,11 +67,8 @@ int ODBViewRep::saveOnlyTagged(LightweightString<wchar_t> name) {
     int reached = 0;
     for (; reached < held(); ++reached) {
         const dbrecord* const record = (*this)[reached];
-        if (!record) {
+        if (!record || (record->tag() != 0 && record->write(file) == 0)) {
             break;
-        }
-        if (record->tag() != 0) {
-            record->write(file);
         }
     }
     return file.save(name, lineEnds) ? reached : 0;

@@ -48,7 +48,7 @@ int odbViewSortFn(const void* a, const void* b) {
 }
 
 void ODBViewRep::sort(int dirn, int x) {
-    const LifeSupport alive;
+    const LifeSupport lifeSupport;
     if (ODBBase* const from = source()) {
         sortDirection = dirn;
         from->sortPrepare(dirn, x);

@@ -3,7 +3,8 @@
 #include "ole/oledb/ODBView.h"
 
 /// Holds a count on a view while it works and its listeners may drop their handles. A view that
-/// lost its last holder meanwhile is deleted at the end; one that nobody counted stays.
+/// lost its last holder meanwhile is deleted at the end; one that nobody counted stays, also where
+/// a listener put it into a handle for a while and dropped that.
 class ODBViewRep::KeepAlive {
 public:
     explicit KeepAlive(ODBViewRep& view) noexcept : view_{view}, counted_{view.refs != 0} {

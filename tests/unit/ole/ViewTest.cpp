@@ -224,8 +224,13 @@ TEST(View, LongOperationsTellTheWatchdog) {
     view->sort(1, 0);
     ODBViewRep{nullptr}.sort(1, 0);
     view->displayRecordsAt(std::vector<Cookie>{}, 0);
+    view->displayTaggedRecordsAt(0);
+    ODBView {
+        table.get()
+        } -> displayAllFromAt(view.rep(), 0);
+    view->displayAllRecords();
     SystemWatchdog::setObserver({});
-    EXPECT_EQ(depths, "101010");
+    EXPECT_EQ(depths, "101010101010");
 }
 
 } // namespace

@@ -27,6 +27,7 @@ libgtest-dev    installed libgtest-dev
 python3         test -x /usr/bin/python3
 locales         test -f /usr/share/i18n/locales/de_DE
 python3-pytest  /usr/bin/python3 -c 'import pytest'
+zsh             command -v zsh
 END
 }
 

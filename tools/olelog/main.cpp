@@ -56,6 +56,7 @@ int run(int argc, char** argv) {
     addInfoCommand(app, task);
     addShowCommand(app, task);
     addSaveCommand(app, task);
+    addCompletionCommand(app, task);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& reason) {

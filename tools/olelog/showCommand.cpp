@@ -149,7 +149,7 @@ void addShowCommand(CLI::App& app, Task& task) {
                      "objects")
         ->check(CLI::IsMember({"table", "csv", "json"}).description(""))
         ->capture_default_str()
-        ->type_name("FORMAT");
+        ->type_name("table|csv|json");
     command->add_flag("--all", options->all,
                       "Show the columns without a value too (csv and json always do)");
     command->add_option("--width", options->width, "Make the table so wide, not as the terminal is")

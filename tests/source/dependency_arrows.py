@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Holds the direction of the project's dependencies, and what the module may not touch.
 
-    tools, tests -> ole -> platform -> C++ standard library
+    tools, examples, tests -> ole -> platform -> C++ standard library
     inside ole:  interchange -> oledb -> fieldspec -> ODBBase.h
 
 The module asks the platform for files, time, the environment and output. So a source under ole/
@@ -32,6 +32,7 @@ MAY_INCLUDE = [
     ("ole/oledb/", ["ole/oledb/", "ole/fieldspec/", "ole/ole.h", "ole/Tarn/", "platform/"]),
     ("ole/", ["ole/", "platform/"]),
     ("tools/", ["tools/", "ole/", "platform/"]),
+    ("examples/", ["ole/", "platform/"]),
 ]
 
 # Headers of the system that the module leaves to the platform: files, streams, time, environment,
@@ -79,7 +80,7 @@ def without_comments(code):
 def sources(root):
     """Project paths of the sources under the folders that the rules speak of, sorted."""
     found = []
-    for top in ("platform", "ole", "tools"):
+    for top in ("platform", "ole", "tools", "examples"):
         for folder, _, names in os.walk(os.path.join(root, top)):
             found += [
                 os.path.relpath(os.path.join(folder, name), root).replace(os.sep, "/")

@@ -56,6 +56,7 @@ BROKEN = [
     ("ole/oledb/a.cpp", 'void f() { std::cerr << "x"; }'),
     ("ole/oledb/a.cpp", "int n = 1'000; void f(bool b) { assert(b == ('x' > 0)); }"),
     ("tools/olelog/a.cpp", '#include "model/Model.h"'),
+    ("examples/a.cpp", '#include "olelog/show.h"'),
 ]
 
 SOUND = [
@@ -67,6 +68,7 @@ SOUND = [
     ("ole/oledb/a.cpp", "// #include <fstream>\n/* abort\n   puts( */\nstatic_assert(true);"),
     ("ole/oledb/a.cpp", '// it\'s\nconst char* s = "abort"; const char* r = R"(cerr " puts()";'),
     ("tools/olelog/a.cpp", '#include "ole/interchange/ALE.h"\n#include <fstream>'),
+    ("examples/a.cpp", '#include "ole/interchange/ALE.h"\n#include <cstdio>'),
 ]
 
 

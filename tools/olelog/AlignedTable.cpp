@@ -8,6 +8,7 @@
 
 #include "Output.h"
 #include "shownText.h"
+#include "terminal.h"
 
 #include <algorithm>
 #include <numeric>
@@ -119,4 +120,15 @@ void AlignedTable::print(Output& out, bool boldTitles) const {
     for (std::size_t row = 0; row < rows_ && !out.isClosed(); ++row) {
         printRow(out, row);
     }
+}
+
+std::vector<std::string> printTexts(Output& out, const std::vector<TableColumn>& titles,
+                                    const std::vector<std::vector<std::string>>& rows) {
+    AlignedTable table{titles, rows.size(), [&rows](std::size_t row, std::size_t col) {
+                           return std::string_view{rows[row][col]};
+                       }};
+    const auto width = terminalWidth();
+    auto leftOut = width ? table.fitInto(*width) : std::vector<std::string>{};
+    table.print(out, mayStyleOutput());
+    return leftOut;
 }

@@ -48,3 +48,8 @@ private:
     std::size_t rows_;
     Cell cell_;
 };
+
+/// Prints rows of texts under titles, as wide as the terminal allows; returns the titles of the
+/// columns that were left out for want of room.
+std::vector<std::string> printTexts(Output& out, const std::vector<TableColumn>& titles,
+                                    const std::vector<std::vector<std::string>>& rows);

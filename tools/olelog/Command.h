@@ -22,6 +22,7 @@ using Task = std::function<int()>;
 
 /// Each adds its command to the command line; where it is asked for, `task` becomes its work.
 void addCompletionCommand(CLI::App& app, Task& task);
+void addContainerCommand(CLI::App& app, Task& task);
 void addImportCommand(CLI::App& app, Task& task);
 void addInfoCommand(CLI::App& app, Task& task);
 void addSaveCommand(CLI::App& app, Task& task);

@@ -2,13 +2,14 @@
 
 #include "AlignedTable.h"
 #include "Command.h"
+#include "ContainerTable.h"
 #include "messages.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/TarnContainerFile.h"
 #include "Output.h"
 #include "shownText.h"
 #include "tableFile.h"
 #include "tableValues.h"
-#include "terminal.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>
@@ -43,8 +44,20 @@ std::vector<ColumnFacts> columnFacts(oledb& table) {
     return facts;
 }
 
+/// The name of a container, "" for one that has none.
+std::string containerName(const oledb& table) {
+    const char* const name = table.get_param_val(TarnContainerFile::getNameParamKey());
+    return name ? name : "";
+}
+
 std::string asJson(const oledb& table, const std::vector<ColumnFacts>& columns) {
-    nlohmann::ordered_json object{{"kind", "table"}, {"rows", table.get_num_records()}};
+    nlohmann::ordered_json object{{"kind", "table"}};
+    if (isContainer(table)) {
+        object = {{"kind", "container"},
+                  {"name", containerName(table)},
+                  {"items", table.get_num_records()}};
+    }
+    object["rows"] = table.get_num_records();
     auto& parameters = object["parameters"] = nlohmann::ordered_json::array();
     for (unsigned i = 0; i < table.get_num_params(); ++i) {
         parameters.push_back(
@@ -60,16 +73,10 @@ std::string asJson(const oledb& table, const std::vector<ColumnFacts>& columns) 
     return object.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
-/// Prints rows of texts under titles, as wide as the terminal allows.
-void printTable(Output& out, const std::vector<TableColumn>& titles,
-                const std::vector<std::vector<std::string>>& rows) {
-    AlignedTable table{titles, rows.size(), [&rows](std::size_t row, std::size_t col) {
-                           return std::string_view{rows[row][col]};
-                       }};
-    if (const auto width = terminalWidth()) {
-        table.fitInto(*width);
-    }
-    table.print(out, mayStyleOutput());
+std::string kindAndSize(const oledb& table) {
+    return isContainer(table) ? fmt::format("container {}, {}", inQuotes(containerName(table)),
+                                            counted(table.get_num_records(), "item"))
+                              : "table, " + counted(table.get_num_records(), "row");
 }
 
 void printParameters(Output& out, const oledb& table) {
@@ -79,7 +86,7 @@ void printParameters(Output& out, const oledb& table) {
     }
     if (!rows.empty()) {
         out.write("\n");
-        printTable(out, {{"parameter"}, {"value"}}, rows);
+        printTexts(out, {{"parameter"}, {"value"}}, rows);
     }
 }
 
@@ -91,7 +98,7 @@ void printColumns(Output& out, const std::vector<ColumnFacts>& columns) {
                         std::to_string(column.filled)});
     }
     out.write("\n");
-    printTable(out,
+    printTexts(out,
                {{"column"}, {"type", false}, {"width", false, true}, {"rows filled", false, true}},
                rows);
 }
@@ -124,8 +131,7 @@ int runInfo(const InfoOptions& options) {
         }
         return out.finish(code);
     }
-    out.write(fmt::format("{}: table, {}, {}\n", shown(file->name()),
-                          counted(table.get_num_records(), "row"),
+    out.write(fmt::format("{}: {}, {}\n", shown(file->name()), kindAndSize(table),
                           counted(table.get_num_fields(), "column")));
     printParameters(out, table);
     printColumns(out, columns);

@@ -29,6 +29,12 @@ int printOnOutput(const std::string& text) {
     return out.finish(exitFine);
 }
 
+/// The command that was asked for, with its subcommand where it has one.
+std::string commandPath(const CLI::App& app) {
+    const auto chosen = app.get_subcommands();
+    return chosen.empty() ? app.get_name() : app.get_name() + " " + commandPath(*chosen.front());
+}
+
 /// Tells what is wrong with the command line, or prints the help that it asked for.
 int endEarly(const CLI::App& app, const CLI::ParseError& reason) {
     if (dynamic_cast<const CLI::CallForHelp*>(&reason)) {
@@ -37,10 +43,8 @@ int endEarly(const CLI::App& app, const CLI::ParseError& reason) {
     if (dynamic_cast<const CLI::CallForVersion*>(&reason)) {
         return printOnOutput(std::string{reason.what()} + "\n");
     }
-    const auto chosen = app.get_subcommands();
-    const std::string command = chosen.empty() ? "olelog" : "olelog " + chosen.front()->get_name();
     say("{}", reason.what());
-    say("\"{} --help\" tells how it is used", command);
+    say("\"{} --help\" tells how it is used", commandPath(app));
     return exitUsage;
 }
 
@@ -57,6 +61,7 @@ int run(int argc, char** argv) {
     addShowCommand(app, task);
     addSaveCommand(app, task);
     addCompletionCommand(app, task);
+    addContainerCommand(app, task);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& reason) {

@@ -228,7 +228,7 @@ ODBView selectRows(oledb& table, const Wish& wish, const SelectionOptions& optio
 } // namespace
 
 void addSelectionOptions(CLI::App& command, SelectionOptions& options) {
-    const std::string group = "Selection";
+    const std::string group = selectionGroup;
     command
         .add_option("--where", options.where,
                     "Only rows whose field holds the pattern, wherever it stands and in any case; "

@@ -35,6 +35,9 @@ struct Selection {
     [[nodiscard]] bool foundNothing() const { return rowsNarrowed && isEmpty(); }
 };
 
+/// The group under which the help of a command lists the options of a selection.
+inline constexpr const char* selectionGroup = "Selection";
+
 /// Adds the options of a selection to a command.
 void addSelectionOptions(CLI::App& command, SelectionOptions& options);
 

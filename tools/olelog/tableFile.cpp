@@ -10,9 +10,11 @@
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
 
+#include <algorithm>
 #include <climits>
 #include <filesystem>
 #include <fmt/format.h>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -60,10 +62,19 @@ std::string valuesAndColumns(unsigned values, unsigned columns) {
     return counted(values, "value") + " for " + counted(columns, "column");
 }
 
+/// The last byte of a file, 0 where there is none.
+char lastByte(const std::string& path) {
+    std::ifstream file{path, std::ios::binary};
+    char byte = '\0';
+    file.seekg(-1, std::ios::end).get(byte);
+    return byte;
+}
+
 /// Looks at the lines of a table file. Line numbers are those of the file, from 1; 0 means none.
 class TableFileLines {
 public:
-    explicit TableFileLines(const InputFile& file) : name_{file.name()} {
+    explicit TableFileLines(const InputFile& file)
+        : name_{file.name()}, endsInLineFeed_{lastByte(file.path()) == '\n'} {
         text_.load(modulePath(file.path()), '\n', false);
         findHeader();
     }
@@ -100,7 +111,12 @@ public:
             say("{}: line {}: a column's type is unknown; it is read as text", name_, header_ + 2);
         }
         const bool lost = tellBadLines();
-        return tellLinesBehindBlank() || lost || failed;
+        return tellLinesBehindBlank() || tellCutEnd() || lost || failed;
+    }
+
+    /// The line of the first row; 0 where a second header takes some of the lines behind it.
+    [[nodiscard]] unsigned firstRowLine() const {
+        return hasSecondHeader(text_.numLines()) ? 0 : header_ + headerLines;
     }
 
 private:
@@ -221,8 +237,22 @@ private:
         return behind != 0;
     }
 
+    /// A table is written with every value in quotes and every line ended, so a file that ends
+    /// within quotes or at a comma was cut.
+    bool tellCutEnd() const {
+        const std::string_view last = line(text_.numLines());
+        const bool isCut =
+            !endsInLineFeed_ &&
+            (std::count(last.begin(), last.end(), '"') % 2 != 0 || last.ends_with(','));
+        if (isCut) {
+            say("{}: line {}: the file is cut: it ends within this line", name_, text_.numLines());
+        }
+        return isCut;
+    }
+
     std::string name_;
     TextFile text_;
+    bool endsInLineFeed_;
     unsigned header_ = 0; // the line "OLEDB"
 };
 
@@ -246,7 +276,13 @@ LoadedTable loadTable(const InputFile& file) {
             table.get_revision(), currentRevision);
     }
     loaded.whole = !lines.tellLosses(table);
+    loaded.firstRowLine = lines.firstRowLine();
     return loaded;
+}
+
+std::string placeOf(const LoadedTable& loaded, const InputFile& file, unsigned row) {
+    return loaded.firstRowLine == 0 ? fmt::format("{}: row {}", file.name(), row + 1)
+                                    : fmt::format("{}:{}", file.name(), loaded.firstRowLine + row);
 }
 
 bool isForeignFile(const std::string& path) {

@@ -3,6 +3,7 @@
 #include "misc/CurrentProject.h"
 #include "ole/interchange/ALE.h"
 #include "ole/interchange/CSV.h"
+#include "ole/oledb/TarnContainerFile.h"
 #include "support/Views.h"
 #include "unit/TemporaryFolder.h"
 
@@ -70,6 +71,22 @@ TEST_F(Documents, Csv) {
     EXPECT_TRUE(CSV{viewOfAll(table)}.writeTo(folder_.wide("out")));
     Tarn::CurrentProject::setFrameRate({});
     EXPECT_EQ(folder_.read("out"), expected);
+}
+
+TEST_F(Documents, Container) {
+    const std::string example = block("format-container.md", 0);
+    const TarnContainerFile::Reader container{folder_.wide("block"), false};
+    std::vector<DBFieldDesc> columns = descriptors({"Cookie", "Note"});
+    TarnContainerFile::Writer writer{columns.data()};
+    writer.setName(container.getName());
+    writer.setPermanent(container.isPermanent());
+    writer.setAttrib("Editor", container.getAttrib("editor"));
+    for (unsigned i = 0; i < container.getNumItems(); ++i) {
+        const auto item = container.getItem(i);
+        writer.addItem(item.getCookie())->set_field(1, item.getAttrib(1).c_str());
+    }
+    writer.save(folder_.wide("saved"));
+    EXPECT_EQ(folder_.read("saved"), example);
 }
 
 } // namespace

@@ -1,0 +1,129 @@
+// Containers as tables, for commands that change them or tell of them. The module reads what it can
+// and answers with less; here every cookie that cannot be read is named.
+
+#include "ContainerTable.h"
+
+#include "messages.h"
+#include "ole/oledb/TarnContainerFile.h"
+#include "shownText.h"
+#include "tableFile.h"
+#include "tableValues.h"
+#include "tarn/Ascii.h"
+#include "tarn/trimmed.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fmt/format.h>
+
+namespace {
+
+constexpr const char* cookieColumn = "Cookie";
+
+/// A file beside that holds the new container until it is whole.
+std::string besidePath(const std::string& container) {
+    return container + ".tmp";
+}
+
+/// A word that the shell takes for one, whatever it holds.
+std::string shellWord(const std::string& text) {
+    const auto isPlain = [](char c) {
+        return Tarn::isLetter(c) || Tarn::isDigit(c) ||
+               std::string_view{"./_-+,:@%="}.find(c) != std::string_view::npos;
+    };
+    if (!text.empty() && text.front() != '-' && std::all_of(text.begin(), text.end(), isPlain)) {
+        return text;
+    }
+    std::string word = text.starts_with('-') ? "./'" : "'";
+    for (const char c : text) {
+        word += c == '\'' ? std::string{"'\\''"} : std::string{c};
+    }
+    return word + "'";
+}
+
+std::string whatIsLeft(const std::string& path) {
+    const ModuleSilence silence;
+    const TarnContainerFile::Reader left{modulePath(path), false};
+    return left.valid() ? counted(left.getNumItems(), "item") : "no container that can be read";
+}
+
+std::string whyUnreadable(const std::string& text) {
+    if (text.empty()) {
+        return ": the item has no cookie";
+    }
+    const bool lacksKind = Cookie{text.c_str(), false}.valid();
+    return fmt::format(": the item's cookie cannot be read: {}{}", inQuotes(text),
+                       lacksKind ? "; the letter of its kind is missing" : "");
+}
+
+/// Takes the items of a table; says which of its rows have a cookie that cannot be read.
+bool takeItems(const LoadedTable& loaded, const InputFile& file, LoadedContainer& container) {
+    Findings findings;
+    for (unsigned row = 0; row < loaded.table->get_num_records(); ++row) {
+        const std::string text{valueOf(*loaded.table, row, container.cookieCol)};
+        const Cookie cookie{text.c_str(), true};
+        if (cookie.valid()) {
+            container.items.add(cookie);
+            continue;
+        }
+        findings.tell(placeOf(loaded, file, row) + whyUnreadable(text));
+    }
+    findings.close();
+    return !findings.any();
+}
+
+} // namespace
+
+LoadedContainer loadContainer(const InputFile& file) {
+    LoadedTable loaded = loadTable(file);
+    LoadedContainer container;
+    if (!loaded.table) {
+        return container;
+    }
+    const int col = loaded.table->get_fieldnum(cookieColumn);
+    if (col < 0) {
+        say("{}: is no container: a table without a column \"{}\"", file.name(), cookieColumn);
+        return container;
+    }
+    container.cookieCol = static_cast<unsigned>(col);
+    container.whole = takeItems(loaded, file, container) && loaded.whole;
+    container.table = std::move(loaded.table);
+    return container;
+}
+
+void appendItem(oledb& table, unsigned cookieCol, const Cookie& cookie) {
+    const auto row = static_cast<unsigned>(table.add_records(1));
+    table.set_field(row, cookieCol, cookie.asString(true).c_str());
+}
+
+bool isContainer(const oledb& table) {
+    return table.get_fieldnum(cookieColumn) >= 0 &&
+           (table.get_param_val(TarnContainerFile::getNameParamKey()) ||
+            table.get_param_val(TarnContainerFile::getPermanentParamKey()));
+}
+
+bool standsForNoItem(std::string text) {
+    text = Tarn::trimmed(text);
+    if (!text.starts_with(CookieType::Invalid)) {
+        return false;
+    }
+    text.front() = CookieType::Unspecified;
+    return Cookie{text.c_str(), true}.valid();
+}
+
+bool hasLeftOver(const std::string& container) {
+    std::error_code failed;
+    return container != "-" && std::filesystem::is_regular_file(besidePath(container), failed);
+}
+
+void tellLeftOver(const std::string& container) {
+    if (!hasLeftOver(container)) {
+        return;
+    }
+    const std::string beside = besidePath(container);
+    std::error_code failed;
+    const std::string why = std::filesystem::exists(container, failed)
+                                ? "; to restore it in place of " + container
+                                : ", perhaps the only copy of " + container + "; to restore it";
+    say("{}: left over from an interrupted save ({}){}: mv {} {}", beside, whatIsLeft(beside), why,
+        shellWord(beside), shellWord(container));
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "selection.h"
+
+#include <string>
+#include <vector>
+
+/// What a person asked of a container. Each task returns the tool's exit code.
+struct ContainerCreation {
+    std::string container;
+    std::string name;
+    bool permanent = false;
+    std::vector<std::string> attributes; ///< KEY=VALUE each
+    std::vector<std::string> cookies;
+    bool inPlace = false;
+    bool dryRun = false;
+};
+
+struct ContainerAddition {
+    std::string container;
+    std::vector<std::string> cookies;
+    std::string from; ///< a table; "" for none
+    SelectionOptions selection;
+    bool dryRun = false;
+};
+
+struct ContainerQuestion {
+    std::string container;
+    bool json = false;
+};
+
+int createContainer(const ContainerCreation& wanted);
+int addToContainer(const ContainerAddition& wanted);
+int listContainer(const ContainerQuestion& question);
+int tellOfContainer(const ContainerQuestion& question);

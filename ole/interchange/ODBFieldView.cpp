@@ -5,6 +5,7 @@
 #include "ole/oledb/oledb.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -13,13 +14,13 @@ constexpr int noField = -1;
 
 } // namespace
 
-ODBFieldView::ODBFieldView(const ODBView& view, const int* fields) : view_{view} {
+ODBFieldView::ODBFieldView(ODBView view, const int* fields) : view_{std::move(view)} {
     while (fields && *fields >= 0 && addSlot(*fields)) {
         ++fields;
     }
 }
 
-ODBFieldView::ODBFieldView(const ODBView& view, const char* const* names) : view_{view} {
+ODBFieldView::ODBFieldView(ODBView view, const char* const* names) : view_{std::move(view)} {
     if (view_) {
         view_->displayAllRecords();
     }

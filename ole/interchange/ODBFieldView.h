@@ -20,11 +20,11 @@ public:
 
     /// Presents fields by number, from a list that a negative number ends. A list of more than 256
     /// presents none; of such a list no more than 257 numbers are read. Null presents none.
-    ODBFieldView(const ODBView& view, const int* fields);
+    ODBFieldView(ODBView view, const int* fields);
     /// Presents fields by name, from a list that a null pointer ends, with the same limit. An
     /// unknown name makes a slot without a field. **The view is deliberately filled again first**
     /// (`displayAllRecords`), for all who share it: order, selection and tags are gone.
-    ODBFieldView(const ODBView& view, const char* const* names);
+    ODBFieldView(ODBView view, const char* const* names);
 
     /// The text of a slot in a row of the view, good as long as that of `ODBViewRep::get_field`;
     /// null for no such row or slot, and for a slot without a field.

@@ -6,6 +6,7 @@
 #include "support/Random.h"
 #include "support/Views.h"
 #include "tarn/TextFile.h"
+#include "unit/ChildProcess.h"
 #include "unit/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -103,13 +104,15 @@ TEST(Csv, WhatTheMapAndTheViewHaveNot) {
     EXPECT_EQ(written(one), "Notes\r\n\r\nsay \"hi\"\r\n\r\n");
     const TemporaryFolder folder;
     EXPECT_TRUE(one.writeTo(folder.wide("missing/out.csv"))) << "the save is not looked at";
+    folder.write("out.csv", "before");
+    EXPECT_TRUE(inChildWithFullDisk(9, [&] { return one.writeTo(folder.wide("out.csv")); }));
     TextFile file;
     one.setName(0, "gone");
     EXPECT_FALSE(one.writeHeader(file)) << "no name at all";
     one.setVisible(0, false);
-    folder.write("out.csv", "before");
     EXPECT_FALSE(one.writeTo(folder.wide("out.csv")));
-    EXPECT_EQ(folder.read("out.csv"), "before");
+    EXPECT_EQ(folder.read("out.csv"), "before") << "neither a failed save nor an empty one";
+    EXPECT_EQ(folder.names(), (std::set<std::string>{"out.csv"}));
     one.writeRecord(file, 0);
     EXPECT_EQ(file.numLines(), 1U) << "an empty line";
     FieldMap noView;

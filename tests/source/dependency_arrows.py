@@ -92,7 +92,7 @@ def sources(root):
 
 def resolve(root, source, name):
     """The project path that an include means, as the compiler would find it; None for the system's."""
-    for base in (os.path.dirname(source), "", "platform", "tools", "tests"):
+    for base in (os.path.dirname(source), "", "platform", "tools", "tools/olelog", "tests"):
         path = os.path.normpath(os.path.join(base, name)).replace(os.sep, "/")
         if not path.startswith("..") and os.path.isfile(os.path.join(root, path)):
             return path

@@ -1,5 +1,6 @@
 """Logs that cameras and labs wrote: every row arrives, every value under its field."""
 
+import json
 import os
 import re
 
@@ -172,3 +173,24 @@ def test_all_in_one_table(tmp_path):
     said = expect(0, "import", *map(real, LOGS), "-o", table, "--identify")
     assert "t.odb: 51 rows, 44 columns" in said and said.count(": heading differs") >= 5
     assert len({row["Cookie"] for row in csv_rows(table)}) == 51
+
+
+@pytest.mark.parametrize("name, rows, name_of_first", [("cr-only", 5, "EB_20220628-DJI_0247.new.01"), ("blank-lines", 1, "A020C003_150905_E2XZ.mov")])
+def test_refused_logs_import_whole_when_mended(tmp_path, name, rows, name_of_first):
+    mended, table = tmp_path / "m.ale", tmp_path / "t.odb"
+    assert run("check", real(name), "--fix", mended).returncode == 1
+    expect(0, "import", mended, "-o", table)
+    got = csv_rows(table)
+    assert len(got) == rows and got[0]["Name"] == name_of_first
+
+
+# What there is to find besides columns without a field.
+CHECKED = {"one-line-heading-crlf": ["heading-line", "key-number", "too-few-values", "trimmed-value"]}
+CHECKED |= {"film-24p-ntsc": ["key-number"], "cr-only": ["cr-line-ends"], "blank-lines": ["blank-names", "joined-columns", "title-spelling"]}
+
+
+@pytest.mark.parametrize("name", [*LOGS, "cr-only", "blank-lines"])
+def test_check_finds_what_is_there_and_no_more(name):
+    result = run("check", real(name), "--json", "--ignore", "column-without-field")
+    codes = sorted(finding["code"] for finding in json.loads(result.stdout)["findings"])
+    assert codes == CHECKED.get(name, []) and result.returncode == (1 if codes else 0)

@@ -21,6 +21,7 @@ enum ExitCode : int {
 using Task = std::function<int()>;
 
 /// Each adds its command to the command line; where it is asked for, `task` becomes its work.
+void addCheckCommand(CLI::App& app, Task& task);
 void addCompletionCommand(CLI::App& app, Task& task);
 void addContainerCommand(CLI::App& app, Task& task);
 void addImportCommand(CLI::App& app, Task& task);

@@ -4,6 +4,7 @@
 #include "LogFile.h"
 
 #include "messages.h"
+#include "ole/oledb/oledb.h"
 #include "shownText.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
@@ -11,7 +12,9 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <map>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -25,7 +28,10 @@ std::vector<std::string_view> pieces(std::string_view line, Tarn::SplitMode mode
     return found;
 }
 
-bool looksLikeUtf16(std::string_view start) {
+} // namespace
+
+bool looksLikeUtf16(std::string_view text) {
+    const std::string_view start = text.substr(0, bytesToJudge);
     if (start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF")) {
         return true;
     }
@@ -33,17 +39,36 @@ bool looksLikeUtf16(std::string_view start) {
     return start.size() >= 8 && static_cast<std::size_t>(zeros) * 3 >= start.size();
 }
 
+bool endsLinesWithCr(std::string_view text) {
+    return text.find("\rColumn") != std::string_view::npos ||
+           text.find("\rData") != std::string_view::npos;
+}
+
+LogWords findLogWords(unsigned lines, const std::function<std::string_view(unsigned)>& line) {
+    LogWords words;
+    for (unsigned number = 1; number <= lines && words.data == 0; ++number) {
+        if (words.column == 0 && line(number).starts_with(columnWord)) {
+            words.column = number;
+        }
+        words.data = line(number).starts_with(dataWord) ? number : 0;
+    }
+    return words;
+}
+
+namespace {
+
 class HeadReader {
 public:
     explicit HeadReader(const InputFile& log) {
         text_.load(modulePath(log.path()), '\n', true);
-        findWords();
+        words_ = findLogWords(text_.numLines(), [this](unsigned number) { return line(number); });
     }
 
     LogHead read() {
-        head_.refusal = whyRefused();
+        head_.words = words_;
+        judge();
         if (head_.refusal.empty()) {
-            head_.namesLine = columnLine_ + 1;
+            head_.namesLine = words_.column + 1;
             takeNames();
             takeParameters();
             noteOddLines();
@@ -58,123 +83,146 @@ private:
         return whole.substr(0, whole.find('\0'));
     }
 
-    void findWords() {
-        for (unsigned number = 1; number <= text_.numLines() && dataLine_ == 0; ++number) {
-            if (columnLine_ == 0 && line(number).starts_with(columnWord)) {
-                columnLine_ = number;
-            }
-            dataLine_ = line(number).starts_with(dataWord) ? number : 0;
-        }
+    void refuse(std::string code, unsigned line, std::string why) {
+        head_.refusalCode = std::move(code);
+        head_.refusalLine = line;
+        head_.refusal = std::move(why);
     }
 
-    [[nodiscard]] std::string whyRefused() const {
+    void judge() {
         if (text_.numLines() == 0) {
-            return "the file is empty";
-        }
-        if (dataLine_ == 0 || columnLine_ == 0) {
-            return whyWordMissing();
-        }
-        const unsigned names = columnLine_ + 1;
-        if (isEssentiallyEmpty(line(names))) {
-            return fmt::format("line {}, behind \"Column\", is blank where the column names should "
+            refuse("empty-file", 1, "the file is empty");
+        } else if (words_.data == 0 || words_.column == 0) {
+            refuseWithoutWords();
+        } else if (isEssentiallyEmpty(line(words_.column + 1))) {
+            refuse("blank-names", words_.column + 1,
+                   fmt::format("line {}, behind \"Column\", is blank where the column names should "
                                "stand; without that blank line the log can be taken",
-                               names);
-        }
-        if (names == dataLine_ && Tarn::trimmed(line(names)) == dataWord) {
-            return fmt::format("the column names are missing between \"Column\" in line {} and "
+                               words_.column + 1));
+        } else if (words_.column + 1 == words_.data &&
+                   Tarn::trimmed(line(words_.data)) == dataWord) {
+            refuse("no-names", words_.data,
+                   fmt::format("the column names are missing between \"Column\" in line {} and "
                                "\"Data\" in line {}",
-                               columnLine_, dataLine_);
+                               words_.column, words_.data));
         }
-        return {};
     }
 
-    [[nodiscard]] std::string whyWordMissing() const {
+    void refuseWithoutWords() {
         const std::string_view first = text_.lineView(0);
-        if (looksLikeUtf16(first.substr(0, bytesToJudge))) {
-            return "the file is UTF-16 text; convert it to UTF-8 first, for example with "
-                   "iconv -f UTF-16 -t UTF-8";
+        if (looksLikeUtf16(first)) {
+            refuse("utf-16", 1,
+                   "the file is UTF-16 text; convert it to UTF-8 first, for example with "
+                   "olelog check --fix");
+        } else if (first.starts_with("\"OLEDB")) {
+            refuse("table-file", 1, "this is a table file, not a log; \"olelog show\" prints it");
+        } else if (hasLoneCarriageReturns()) {
+            refuse("cr-line-ends", 1,
+                   "its lines end with CR alone; convert them first, for example with "
+                   "olelog check --fix");
+        } else {
+            refuseForWord();
         }
-        if (first.starts_with("\"OLEDB")) {
-            return "this is a table file, not a log; \"olelog show\" prints it";
-        }
-        if (hasLoneCarriageReturns()) {
-            return "its lines end with CR alone; convert them first, for example with "
-                   "tr '\\r' '\\n'";
-        }
-        const std::string_view word = dataLine_ == 0 ? dataWord : columnWord;
-        const std::string where = dataLine_ == 0 ? "" : fmt::format(" before line {}", dataLine_);
-        return fmt::format("no line{} begins with \"{}\"{}", where, word, nearMiss(word));
     }
 
-    /// Whether carriage returns stand where lines of a log would end.
+    void refuseForWord() {
+        const std::string_view word = words_.data == 0 ? dataWord : columnWord;
+        const std::string where =
+            words_.data == 0 ? "" : fmt::format(" before line {}", words_.data);
+        const unsigned near = nearMiss(word);
+        const std::string hint =
+            near == 0 ? "" : fmt::format("; line {} reads {}", near, inQuotes(line(near)));
+        refuse("section-word", near != 0 ? near : std::max(words_.data, 1U),
+               fmt::format("no line{} begins with \"{}\"{}", where, word, hint));
+    }
+
     [[nodiscard]] bool hasLoneCarriageReturns() const {
         for (unsigned number = 1; number <= text_.numLines(); ++number) {
-            const std::string_view text = text_.lineView(number - 1);
-            if (text.find("\rColumn") != std::string_view::npos ||
-                text.find("\rData") != std::string_view::npos) {
+            if (endsLinesWithCr(text_.lineView(number - 1))) {
                 return true;
             }
         }
         return false;
     }
 
-    [[nodiscard]] std::string nearMiss(std::string_view word) const {
+    /// A line that is the word but for its case, blanks around it or a byte order mark.
+    [[nodiscard]] unsigned nearMiss(std::string_view word) const {
         for (unsigned number = 1; number <= text_.numLines(); ++number) {
             const std::string_view text = Tarn::trimmed(line(number));
             const std::size_t at = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
             if (compareIgnoringCase(text.substr(at), word) == 0) {
-                return fmt::format("; line {} reads {}", number, inQuotes(line(number)));
+                return number;
             }
         }
-        return {};
+        return 0;
     }
 
     void takeNames() {
-        for (const std::string_view name : pieces(line(head_.namesLine), Tarn::eSplitMerging)) {
+        for (const std::string_view name : piecesOfHeading(line(head_.namesLine))) {
             head_.columns.emplace_back(name);
         }
     }
 
     void takeParameters() {
-        for (unsigned number = 2; number <= columnLine_; ++number) {
-            const auto found = pieces(line(number), Tarn::eSplitMerging);
+        for (unsigned number = 2; number <= words_.column; ++number) {
+            const auto found = piecesOfHeading(line(number));
             if (found.size() == 2) {
                 head_.parameters.push_back({std::string{found[0]}, std::string{found[1]}});
             } else if (found.size() > 2) {
-                head_.oddLines.push_back(fmt::format(
-                    "heading line {} not taken ({} where a name and a value should stand)", number,
-                    counted(found.size(), "text")));
+                head_.oddLines.push_back(
+                    {number, fmt::format("heading line {} not taken ({} where a name and a value "
+                                         "should stand)",
+                                         number, counted(found.size(), "text"))});
             }
         }
     }
 
     void noteOddLines() {
-        if (head_.namesLine == dataLine_) {
-            head_.oddLines.push_back(fmt::format(
-                "line {} counts as the column names and as \"Data\", for it begins with that word",
-                dataLine_));
+        if (head_.namesLine == words_.data) {
+            head_.oddLines.push_back(
+                {words_.data, fmt::format("line {} counts as the column names and as \"Data\", for "
+                                          "it begins with that word",
+                                          words_.data)});
         }
         for (unsigned number = 1; number <= text_.numLines(); ++number) {
             if (line(number).size() != text_.lineView(number - 1).size()) {
-                head_.zeroLines.push_back(std::to_string(number));
+                head_.zeroLines.push_back(number);
             }
-            const bool isRow = number > dataLine_ && !isEssentiallyEmpty(line(number));
+            const bool isRow = number > words_.data && !isEssentiallyEmpty(line(number));
             if (isRow && line(number).front() == '\t') {
-                head_.shiftedLines.push_back(std::to_string(number));
+                head_.shiftedLines.push_back(number);
             }
         }
     }
 
     TextFile text_;
     LogHead head_;
-    unsigned columnLine_ = 0;
-    unsigned dataLine_ = 0;
+    LogWords words_;
 };
 
 } // namespace
 
 LogHead readLogHead(const InputFile& log) {
     return HeadReader{log}.read();
+}
+
+std::vector<std::string> parametersNotTaken(const LogHead& head, const oledb& table) {
+    std::map<LightweightString<char>, std::string, StrCmpCI> wanted;
+    for (const LogHead::Parameter& parameter : head.parameters) {
+        wanted[parameter.name.c_str()] = parameter.value; // the last value of a name counts
+    }
+    std::vector<std::string> missing;
+    for (const auto& [name, value] : wanted) {
+        const char* const held = table.get_param_val(name.c_str());
+        if (!held || value != held) {
+            missing.emplace_back(name.view());
+        }
+    }
+    return missing;
+}
+
+std::vector<std::string_view> piecesOfHeading(std::string_view line) {
+    return pieces(line, Tarn::eSplitMerging);
 }
 
 std::vector<std::string_view> piecesOfRow(std::string_view line) {

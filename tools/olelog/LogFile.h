@@ -2,8 +2,21 @@
 
 #include "files.h"
 
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
+
+class oledb;
+
+/// The lines that part a log, from 1; 0 where there is none.
+struct LogWords {
+    unsigned column = 0; ///< the first that begins with "Column"; the names stand behind it
+    unsigned data = 0;   ///< the first that begins with "Data"; the rows stand behind it
+};
+
+/// Finds them among `lines` lines as the import does; `line` gives one by its number.
+LogWords findLogWords(unsigned lines, const std::function<std::string_view(unsigned)>& line);
 
 /// A log as far as its data, read by the rules of the import.
 struct LogHead {
@@ -12,17 +25,37 @@ struct LogHead {
         std::string value;
     };
 
-    std::string refusal;                   ///< why the log cannot be taken; empty when it can
-    std::vector<Parameter> parameters;     ///< the heading lines that hold a name and a value
-    std::vector<std::string> oddLines;     ///< heading lines that are not taken, for people
-    std::vector<std::string> shiftedLines; ///< rows of which a leading tab moves the values left
-    std::vector<std::string> zeroLines;    ///< lines of which the part behind a zero byte is lost
-    std::vector<std::string> columns;      ///< the column names, in order
-    unsigned namesLine = 0;                ///< where they stand, from 1
+    struct OddLine {
+        unsigned line;
+        std::string what; ///< for people
+    };
+
+    std::string refusal;     ///< why the log cannot be taken; empty when it can
+    std::string refusalCode; ///< the same in a word that does not change, for scripts
+    unsigned refusalLine = 1;
+    LogWords words;                     ///< where the heading ends and the rows begin
+    std::vector<Parameter> parameters;  ///< the heading lines that hold a name and a value
+    std::vector<OddLine> oddLines;      ///< heading lines that are not taken
+    std::vector<unsigned> shiftedLines; ///< rows of which a leading tab moves the values left
+    std::vector<unsigned> zeroLines;    ///< lines of which the part behind a zero byte is lost
+    std::vector<std::string> columns;   ///< the column names, in order
+    unsigned namesLine = 0;             ///< where they stand, from 1
 };
 
 /// Reads the head of a log; finds out why it cannot be taken, where it cannot.
 LogHead readLogHead(const InputFile& log);
+
+/// Names of the heading's parameters that the table did not take, as it holds no more.
+std::vector<std::string> parametersNotTaken(const LogHead& head, const oledb& table);
+
+/// The start of a log that is UTF-16 text, by its mark or by its zero bytes.
+bool looksLikeUtf16(std::string_view text);
+
+/// Whether carriage returns alone stand where lines of a log end.
+bool endsLinesWithCr(std::string_view text);
+
+/// The pieces of a line of the heading, or of the names, by the rules of the import.
+std::vector<std::string_view> piecesOfHeading(std::string_view line);
 
 /// The pieces of a row's line, by the rules of the import.
 std::vector<std::string_view> piecesOfRow(std::string_view line);

@@ -27,8 +27,8 @@ int cannotWrite(const std::string& name, int error) {
     return exitFailure;
 }
 
-/// Writes the table into a file; 0, or an error number. A table without rows cannot tell success
-/// from failure here: that shows when it is loaded back.
+} // namespace
+
 int writeTable(oledb& table, const std::string& path) {
     const SignalPause pause; // the module writes through a file that we cannot remove
     const auto filename = table.get_filename();
@@ -43,7 +43,13 @@ int writeTable(oledb& table, const std::string& path) {
     return error == 0 ? EIO : error;
 }
 
-} // namespace
+bool takeTag(oledb& table, unsigned row, unsigned col) {
+    const std::string text{valueOf(table, row, col)};
+    const int tag = std::clamp(Tarn::parseInt(text.c_str()), 0, greatestTag);
+    table.set_tag(row, tag);
+    table.set_field(row, col, tag); // as saving will; it counts for the length of the row
+    return text.empty() || text == std::to_string(tag);
+}
 
 bool takeTagsFromColumn(oledb& table, const RowOrigins& origins) {
     const int found = table.get_fieldnum("Tag");
@@ -51,14 +57,11 @@ bool takeTagsFromColumn(oledb& table, const RowOrigins& origins) {
     Findings findings;
     for (unsigned row = 0; found >= 0 && row < table.get_num_records(); ++row) {
         const std::string text{valueOf(table, row, col)};
-        const int tag = std::clamp(Tarn::parseInt(text.c_str()), 0, greatestTag);
-        if (!text.empty() && text != std::to_string(tag)) {
+        if (!takeTag(table, row, col)) {
             findings.tell(fmt::format("{}: Tag: {} is no tag, and the column \"Tag\" of a table "
                                       "file keeps nothing else",
                                       origins.of(row), inQuotes(text)));
         }
-        table.set_tag(row, tag);
-        table.set_field(row, col, tag); // as saving will; it counts for the length of the row
     }
     findings.close();
     return !findings.any();

@@ -11,6 +11,13 @@ class oledb;
 /// whether there are none.
 bool takeTagsFromColumn(oledb& table, const RowOrigins& origins);
 
+/// The same for one row, without a word; false where its value is no tag.
+bool takeTag(oledb& table, unsigned row, unsigned col);
+
+/// Writes the table into a file; 0, or an error number. A table without rows cannot tell success
+/// from failure here: that shows when it is loaded back.
+int writeTable(oledb& table, const std::string& path);
+
 /// Saves a table in a file (- for standard output) and makes sure that it can be loaded again.
 ///
 /// It is written beside the target, loaded back and compared. A table that would not come back

@@ -75,11 +75,6 @@ bool usageMakesSense(const ImportOptions& options) {
     return true;
 }
 
-std::unique_ptr<oledb> makeTable(std::vector<DBFieldDesc> fields) {
-    fields.emplace_back(); // ends the list
-    return std::make_unique<oledb>(fields.data());
-}
-
 class ImportJob {
 public:
     explicit ImportJob(const ImportOptions& options) : options_{options} {}
@@ -130,7 +125,7 @@ private:
             return false;
         }
         if (!appending_) {
-            table_ = makeTable(standardFields());
+            table_ = tableWith(standardFields());
         }
         if (options_.identify && !addCookieColumn()) {
             return false;
@@ -215,7 +210,7 @@ private:
                 leftOut.emplace_back(field.name.c_str());
             }
         }
-        table_ = makeTable(kept);
+        table_ = tableWith(kept);
         for (const std::string& title : titles) {
             if (!hasField(*table_, title)) {
                 emptyTitles_.insert(title);
@@ -315,22 +310,15 @@ private:
     }
 
     void tellParameters(const Log& log, const ByName& before) {
-        ByName wanted; // of a name that stands twice the last value counts
-        for (const LogHead::Parameter& parameter : log.head.parameters) {
-            wanted[parameter.name.c_str()] = parameter.value;
-        }
         std::vector<std::string> differing;
-        std::vector<std::string> notTaken;
-        for (const auto& [name, value] : wanted) {
-            const char* const held = table_->get_param_val(name.c_str());
-            const auto old = before.find(name);
-            if (!held || value != held) {
-                notTaken.emplace_back(name.view());
-            } else if (old != before.end() && old->second != value) {
-                differing.push_back(fmt::format("{} is {}, was {}", name.view(), inQuotes(value),
-                                                inQuotes(old->second)));
+        for (const auto& [name, old] : before) {
+            const std::string value = table_->get_param_val(name.c_str());
+            if (old != value) {
+                differing.push_back(
+                    fmt::format("{} is {}, was {}", name.view(), inQuotes(value), inQuotes(old)));
             }
         }
+        const std::vector<std::string> notTaken = parametersNotTaken(log.head, *table_);
         if (!differing.empty()) {
             say("{}: heading differs from what came before, and the last value counts: {}",
                 log.file.name(), fmt::join(differing, ", "));

@@ -53,8 +53,11 @@ std::string describeShared(const ALE::Report::SharedField& shared) {
     return fmt::format("; joined in {}: {}", shared.field.view(), listed(columns));
 }
 
-std::string describeLines(const std::string& what, const std::vector<std::string>& lines) {
-    return lines.empty() ? "" : "; " + what + " in line " + listed(lines, mostLinesTold);
+std::string describeLines(const std::string& what, const std::vector<unsigned>& lines) {
+    std::vector<std::string> numbers(lines.size());
+    std::transform(lines.begin(), lines.end(), numbers.begin(),
+                   [](unsigned line) { return std::to_string(line); });
+    return lines.empty() ? "" : "; " + what + " in line " + listed(numbers, mostLinesTold);
 }
 
 } // namespace
@@ -73,8 +76,8 @@ std::string summaryOf(const LogHead& head, const ALE::Report& report,
     for (const ALE::Report::SharedField& shared : report.sharedFields) {
         text += describeShared(shared);
     }
-    for (const std::string& odd : head.oddLines) {
-        text += "; " + odd;
+    for (const LogHead::OddLine& odd : head.oddLines) {
+        text += "; " + odd.what;
     }
     text +=
         describeLines("values moved one column to the left by a leading tab", head.shiftedLines);

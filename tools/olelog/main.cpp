@@ -57,6 +57,7 @@ int run(int argc, char** argv) {
     app.require_subcommand(1);
     Task task;
     addImportCommand(app, task);
+    addCheckCommand(app, task);
     addInfoCommand(app, task);
     addShowCommand(app, task);
     addSaveCommand(app, task);

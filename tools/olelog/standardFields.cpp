@@ -2,6 +2,8 @@
 
 #include "standardFields.h"
 
+#include "ole/oledb/oledb.h"
+
 std::vector<DBFieldDesc> standardFields() {
     using enum DBFieldTypes::eType;
     return {
@@ -50,4 +52,9 @@ std::vector<DBFieldDesc> standardFields() {
         {"start perf", TEXT},
         {"orig soundfile", TEXT},
     };
+}
+
+std::unique_ptr<oledb> tableWith(std::vector<DBFieldDesc> fields) {
+    fields.emplace_back(); // ends the list
+    return std::make_unique<oledb>(fields.data());
 }

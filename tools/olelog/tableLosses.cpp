@@ -30,20 +30,6 @@ std::size_t lineBytes(const dbrecord& row) {
     return bytes;
 }
 
-std::string whyUnsavable(const dbrecord& row) {
-    const std::size_t bytes = lineBytes(row);
-    if (bytes > longestLine) {
-        return fmt::format("the row needs a line of {} bytes, and a table file's lines end at {}; "
-                           "shorten its values or import fewer columns",
-                           bytes, longestLine);
-    }
-    if (Tarn::trimmed(row.getField(0).view()) == "OLEDB") {
-        return "the row's first value is \"OLEDB\", which in a table file begins a header; change "
-               "that value";
-    }
-    return {};
-}
-
 /// What the format does to a value; a line feed would otherwise be printed like a backslash and n.
 std::string_view whatHappens(std::string_view before, std::string_view after) {
     const auto lineFeeds = [](std::string_view text) {
@@ -58,23 +44,41 @@ std::string_view whatHappens(std::string_view before, std::string_view after) {
     return Tarn::trimmed(before) == after ? " (blanks at the ends are dropped)" : "";
 }
 
-std::string change(std::string_view before, std::string_view after) {
+} // namespace
+
+std::string whyUnsavable(const dbrecord& row) {
+    const std::size_t bytes = lineBytes(row);
+    if (bytes > longestLine) {
+        return fmt::format("the row needs a line of {} bytes, and a table file's lines end at {}; "
+                           "shorten its values or import fewer columns",
+                           bytes, longestLine);
+    }
+    if (Tarn::trimmed(row.getField(0).view()) == "OLEDB") {
+        return "the row's first value is \"OLEDB\", which in a table file begins a header; change "
+               "that value";
+    }
+    return {};
+}
+
+std::string howItChanges(std::string_view before, std::string_view after) {
     return fmt::format("{} comes back from a table file as {}{}", inQuotes(before), inQuotes(after),
                        whatHappens(before, after));
 }
 
-void tellChangedParameters(const oledb& saved, const oledb& loaded, Findings& findings) {
+void forChangedParameters(const oledb& saved, const oledb& loaded, const ParameterChange& tell) {
     for (unsigned i = 0; i < saved.get_num_params(); ++i) {
-        const std::string_view name = saved.get_param_name(i);
-        const char* const value = loaded.get_param_val(saved.get_param_name(i));
-        if (!value) {
-            findings.tell(fmt::format("parameter {}: gets lost in a table file", inQuotes(name)));
-        } else if (std::string_view{value} != saved.get_param_val(saved.get_param_name(i))) {
-            findings.tell(fmt::format("parameter {}: {}", shown(name),
-                                      change(saved.get_param_val(saved.get_param_name(i)), value)));
+        const std::string name = saved.get_param_name(i);
+        const std::string_view before = saved.get_param_val(saved.get_param_name(i));
+        const char* const after = loaded.get_param_val(saved.get_param_name(i));
+        if (!after) {
+            tell(name, fmt::format("parameter {}: gets lost in a table file", inQuotes(name)));
+        } else if (before != after) {
+            tell(name, fmt::format("parameter {}: {}", shown(name), howItChanges(before, after)));
         }
     }
 }
+
+namespace {
 
 void tellChangedValues(oledb& saved, const oledb& loaded, const RowOrigins& origins,
                        Findings& findings) {
@@ -84,7 +88,7 @@ void tellChangedValues(oledb& saved, const oledb& loaded, const RowOrigins& orig
             const std::string_view after = valueOf(loaded, row, col);
             if (before != after) {
                 findings.tell(fmt::format("{}: {}: {}", origins.of(row), saved.get_fieldname(col),
-                                          change(before, after)));
+                                          howItChanges(before, after)));
             }
         }
     }
@@ -129,7 +133,8 @@ std::string whyNotTheSame(oledb& saved, oledb& loaded) {
 
 bool tellChanges(oledb& saved, oledb& loaded, const RowOrigins& origins) {
     Findings findings;
-    tellChangedParameters(saved, loaded, findings);
+    forChangedParameters(saved, loaded,
+                         [&](const std::string&, const std::string& what) { findings.tell(what); });
     tellChangedValues(saved, loaded, origins, findings);
     findings.close();
     return findings.any();

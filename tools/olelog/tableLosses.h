@@ -2,9 +2,24 @@
 
 #include "RowOrigins.h"
 
+#include <functional>
 #include <string>
+#include <string_view>
 
+class dbrecord;
 class oledb;
+
+/// Why a row cannot be kept in a table file; empty where it can.
+std::string whyUnsavable(const dbrecord& row);
+
+/// "a" comes back from a table file as "b", and why.
+std::string howItChanges(std::string_view before, std::string_view after);
+
+/// Hears of a parameter: its name, and what becomes of it.
+using ParameterChange = std::function<void(const std::string& name, const std::string& what)>;
+
+/// Tells of each parameter that is not the same in the table that was loaded back.
+void forChangedParameters(const oledb& saved, const oledb& loaded, const ParameterChange& tell);
 
 /// Says which rows cannot be kept in a table file, and why; returns whether there are any.
 bool tellUnsavableRows(const oledb& table, const RowOrigins& origins);

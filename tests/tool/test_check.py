@@ -1,0 +1,284 @@
+"""olelog check: everything that an import would lose or change is found, nothing else is, and a mended log
+imports whole."""
+
+import json
+import os
+import random
+import re
+
+import pytest
+from olelog import csv_rows, expect, info, leftovers, log_text, messages, run, table_text
+
+TITLES = ["Name", "Tracks", "Start", "End", "Tape", "Note", "KN Start"]
+ROWS = [
+    ["1A-1", "VA1", "01:00:00:00", "01:00:10:00", "T1", "good", ""],
+    ["1A-2", "VA1", "01:00:10:00", "01:00:20:00", "T1", "", ""],
+    ["1A-3", "V", "01:00:20:00", "01:00:30:00", "T1", "Zoë", "KX123456789+012"],
+]
+CLEAN = log_text(TITLES, ROWS)  # names in line 7, rows in lines 10 to 12
+
+
+def check(tmp_path, text, *options, code=None):
+    log = tmp_path / "a.ale"
+    log.write_bytes(text)
+    result = run("check", log, "--json", *options)
+    facts = json.loads(result.stdout)
+    expected = code if code is not None else 1 if facts["findings"] else 0
+    assert result.returncode == expected, messages(result)
+    for finding in facts["findings"]:
+        assert finding["line"] == finding["lines"][0] and finding["message"] and finding["severity"]
+    return facts
+
+
+def row(**cells):
+    usual = ["5", "V", "05:00:00:00", "05:00:10:00", "T5", "", ""]
+    return [cells.get(title.replace(" ", "_"), cell) for title, cell in zip(TITLES, usual)]
+
+
+def take(name, start, end, tape="T9", tracks="V"):
+    return row(Name=name, Start=start, End=end, Tape=tape, Tracks=tracks)
+
+
+def with_rows(*rows, titles=TITLES, **more):
+    return log_text(titles, [*ROWS, *rows], **more)
+
+
+def with_heading(*lines):
+    return log_text(TITLES, ROWS, heading=["Heading", *lines])
+
+
+def replaced(old, new):
+    assert old in CLEAN
+    return CLEAN.replace(old, new, 1)
+
+
+PARAMETERS = [f"P{i}\tx" for i in range(41)]
+
+# What is wrong, and the findings: code and line.
+FINDINGS = [
+    (b"", [("empty-file", 1)]),
+    (CLEAN.decode().encode("utf-16"), [("utf-16", 1)]),
+    (CLEAN.replace(b"\n", b"\r"), [("cr-line-ends", 1)]),
+    (table_text(["Name"], [["A"]]), [("table-file", 1)]),
+    (replaced(b"Column\n", b"column\n"), [("section-word", 6)]),
+    (replaced(b"\nData\n", b"\n Data\n"), [("section-word", 9)]),
+    (replaced(b"\nData\n", b"\n\n"), [("section-word", 1)]),
+    (replaced(b"Column\n", b"Column\n\n\n"), [("blank-names", 7)]),
+    (b"Heading\nColumn\nData\n", [("no-names", 3)]),
+    (log_text(["Name"], [["A", "B"]]), [("no-row-fits", 7), ("too-many-values", 10)]),
+    (with_rows(row(Note="x" * 4100)), [("row-too-long", 13)]),
+    (log_text(["Name", "Lens"], [["A", ""], ["B", "25"]]), [("column-without-field", 7)]),
+    (log_text(["Name", "Shoot date"], [["A", "today"]]), [("title-spelling", 7)]),
+    (with_rows([*row(), "x"], [*row(Tape="T6"), "x"]), [("too-many-values", 13)]),
+    (with_heading("FPS\t25\tTAPE\tx"), [("heading-line", 2)]),
+    (with_heading("FPS 25"), [("heading-line", 2)]),
+    (CLEAN[len("Heading\n") :], [("heading-line", 1)]),
+    (replaced(b"\n\nData", b"\nFPS\t24\nData"), [("unread-line", 8)]),
+    (with_heading(*PARAMETERS), [("parameter-lost", 41)]),
+    (with_heading("FPS\t25", "fps\t24"), [("parameter-lost", 3)]),
+    (with_heading('TITLE\tThe "Best"'), [("parameter-changed", 2)]),
+    (with_heading("FILM_FORMAT\t\t16mm"), [("parameter-changed", 2), ("film-format", 2)]),
+    (with_heading("FILM_FORMAT\t16MM"), [("film-format", 2)]),
+    (replaced(b"good", b"go\0od"), [("zero-byte", 10)]),
+    (with_rows(row(Name="")), [("leading-tab", 13)]),
+    (replaced(b"Tracks", b""), [("empty-title", 7), ("too-many-values", 12)]),
+    (replaced(b"Note", b"Tape"), [("joined-columns", 10)]),
+    (with_rows(row(KN_Start="KU 31 5127 0416+08")), [("key-number", 13)]),
+    (with_rows(row(KN_Start="KU 31 5127 9990416+08")), [("key-number-cut", 13)]),
+    (with_rows(row(KN_Start="KU 31 5127 0416 no mark")), [("key-number-cut", 13)]),
+    (replaced(b"good", b" good  "), [("trimmed-value", 10)]),
+    (replaced(b"good", b"C:\\new"), [("changed-value", 10)]),
+    (replaced(b"good", b"a\rb"), [("changed-value", 10)]),
+    (b"\xef\xbb\xbf" + CLEAN, [("byte-order-mark", 1)]),
+    (CLEAN.decode().encode("latin-1"), [("encoding", 12)]),
+    (CLEAN.replace(b"\n", b"\r\n", 3), [("mixed-line-ends", 4)]),
+    (with_heading("Column count\t7"), [("section-line", 2), ("unread-line", 4)]),
+    (log_text(["Name", "Lens", "Lens"], [["A", "1", "2"]]), [("column-without-field", 7), ("duplicate-title", 7)]),
+    (with_rows(["x", "V", "01:00:30:00"]), [("too-few-values", 13)]),
+    (with_rows(row(Start="1:00")), [("no-timecode", 13)]),
+    (with_rows(take("x", "02:00:00;00", "02:00:10:00")), [("mixed-punctuation", 13)]),
+    (with_rows(take("x", "02:00:00;00", "02:00:10;00")), [("mixed-punctuation", 13)]),
+    (with_rows(take("x", "02:00:10:00", "02:00:00:00")), [("end-before-start", 13)]),
+    (with_rows(take("x", "18:00:00:00", "09:00:00:00")), [("end-before-start", 13)]),
+    (with_rows(take("x", "02:00:00:00", "02:00:10:01"), take("y", "02:00:10:00", "02:01:00:00")), [("overlap", 14)]),
+    (with_rows(take("x", "23:59:00:00", "00:01:00:00"), take("y", "23:59:59:00", "00:02:00:00")), [("overlap", 14)]),
+    (with_rows(take("x", "02:00:00:00", "02:00:10:00"), take("y", "02:00:00:00", "02:00:10:00")), [("overlap", 14)]),
+]
+
+
+@pytest.mark.parametrize("text, expected", FINDINGS, ids=[f"{i}-{found[0][0]}" for i, (_, found) in enumerate(FINDINGS)])
+def test_each_trouble_is_found_where_it_is(tmp_path, text, expected):
+    found = check(tmp_path, text)["findings"]
+    # A title in the place of another, or a row in the place of the names, has more to it than is asked for.
+    if expected[0][0] not in ("section-line", "empty-title", "leading-tab"):
+        assert sorted((f["code"], f["line"]) for f in found) == sorted(expected)
+    assert set(expected) <= {(f["code"], f["line"]) for f in found}
+
+
+def test_every_code_is_tried_and_described():
+    page = open(os.path.join(os.path.dirname(__file__), "../../docs/olelog.md"), encoding="utf-8").read()
+    described = re.findall(r"^\| `([a-z0-9-]+)` \| (?:refused|lost|changed|doubtful) \|", page, re.MULTILINE)
+    assert sorted(described) == sorted({code for _, found in FINDINGS for code, _ in found})
+
+
+@pytest.mark.parametrize(
+    "text",
+    [
+        CLEAN,
+        CLEAN.replace(b"\n", b"\r\n"),
+        CLEAN.rstrip(b"\n"),
+        CLEAN + b"\t\n \t \n",  # lines that hold nothing
+        log_text([*TITLES, "Lens"], [[*cells, " "] for cells in ROWS]),  # a column without values loses none
+        log_text([*TITLES, "Reel"], [[*cells[:4], "", *cells[5:], "T1"] for cells in ROWS]),
+        with_heading("FILM_FORMAT\t35mm, 4 perf", "TAPE\t", "FPS\t25"),
+        with_rows(take("at midnight", "23:59:00:00", "00:00:00:00"), take("over it", "23:59:00:00", "00:05:00:00", "T8")),
+        with_rows(take("B camera", "01:00:05:00", "01:00:15:00", "B1")),
+        with_rows(take("whole tape", "00:00:00:00", "23:59:59:24", "T1")),
+        with_rows(take("subclip", "01:00:05:00", "01:00:08:00", "T1")),
+        with_rows(take("no tape", "01:00:05:00", "01:00:15:00", ""), take("neither", "01:00:09:00", "01:00:19:00", "")),
+        with_rows(take("picture", "02:00:00:00", "02:00:10:00"), take("sound", "02:00:05:00", "02:00:15:00", tracks="A1")),
+        log_text(
+            ["Name", "Tape", "Start", "End", "Shoot Date"],
+            [["A", "1", "01:00:00:00", "01:00:10:00", "May 1"], ["B", "1", "01:00:05:00", "01:00:15:00", "May 2"]],
+        ),
+    ],
+)
+def test_no_false_alarm(tmp_path, text):
+    assert check(tmp_path, text, code=0)["findings"] == []
+    mended = tmp_path / "mended.ale"
+    assert check(tmp_path, text, "--fix", mended, code=0)["changes"] == []
+    assert mended.read_bytes() in (text, text + b"\n")
+
+
+# -- against a reading of its own
+
+SENT = {"Tracks": "chans", "Start": "Start time", "End": "End time", "Tape": "Reel", "Note": "Notes", "Take": "Shot"}
+SENT |= {"Camroll": "cam reel", "KN Start": "start keycode", "Shoot Date": "cam_date"}
+SAME = ["Name", "Scene", "Reel", "Duration", "Description", "Who"]
+NOT_MENDABLE = {"joined-columns", "key-number", "key-number-cut"}
+
+
+def read_plainly(text):
+    """What a person sees in a log: parameters and cells, each with its line."""
+    lines = re.split("\r\n|\n|\r", text.replace("\r\r\n", "\n").replace("\0", "").lstrip("\ufeff"))
+    word = [line.strip().lower() for line in lines]
+    names = next(i for i in range(word.index("column") + 1, len(lines)) if word[i])
+    titles = lines[names].split("\t")
+    pairs, cells = [], []
+    for number, line in enumerate(lines, 1):
+        if number <= word.index("column"):
+            parts = line.split("\t")
+            pairs += [(number, *parts[i : i + 2]) for i in range(0, len(parts) - 1, 2)]
+        elif number > word.index("data") + 1:
+            for i, cell in enumerate(line.split("\t")):
+                title = titles[i] if i < len(titles) and titles[i] else f"Column {i + 1}"
+                cells.append((number, title, cell))
+    return names + 1, pairs, [cell for cell in cells if cell[2].strip()]
+
+
+def lost_by_import(table, pairs, cells, own_columns):
+    rows = csv_rows(table)
+    parameters = {p["name"]: p["value"] for p in info(table)["parameters"]}
+    lost = [("parameter", line) for line, name, value in pairs if value and parameters.get(name) != value]
+    for line, title, value in cells:
+        field = SENT.get(title) or (title if title in SAME or own_columns else None)
+        # A value is unlike any other, so it is in its place when it is in its field at all.
+        renamed = [name for name in rows[0] if own_columns and name.startswith(title + " ")] if rows else []
+        if not any(row.get(name) == value for row in rows for name in [field, *renamed]):
+            lost.append((title, line))
+    return lost
+
+
+def is_told(finding, names, title, line):
+    if finding["severity"] == "refused" or line in finding["lines"] or finding["code"] == "mixed-line-ends":
+        return True
+    return finding["line"] == names and (title in finding["columns"] or finding["code"] == "empty-title")
+
+
+def make_log(pick):
+    titles = ["Name", *pick.sample([*list(SENT)[:3], "Tape", "Note", "Camroll", "Scene", "Lens", "Who", "Filter"], 7)]
+    rows = []
+    for i in range(pick.randrange(1, 6)):
+        cells = [f"{title.lower()} {i} é" for title in titles]
+        for title, cell in (("Start", f"0{i}:00:00:00"), ("End", f"0{i}:10:00:00")):
+            if title in titles:
+                cells[titles.index(title)] = cell
+        rows.append(cells)
+    return titles, rows
+
+
+def break_cells(pick, titles, rows):
+    """One trouble among the cells."""
+    cells = pick.choice(rows)
+    at = pick.randrange(len(cells))
+    trouble = pick.randrange(9)
+    if trouble == 0:
+        cells[0] = ""
+    elif trouble == 1:
+        cells[at] = ""
+    elif trouble == 2:
+        cells.append(pick.choice(["", "surplus"]))
+    elif trouble == 3:
+        del cells[max(at, 1) :]
+    elif trouble == 4:
+        titles[at % len(titles)] = ""
+    elif trouble == 5:
+        titles.append(pick.choice(["Reel", "Lens", "KN Start", ""]))
+        for i, other in enumerate(rows):
+            other += ["KU 31 5127 0416+08" + str(i) if titles[-1] == "KN Start" else f"more {i}"]
+    elif trouble == 6:
+        cells[at] = pick.choice([" {} ", "C:\\new {}", 'say "{}"', "{},", "a\\b {}"]).format(cells[at])
+    elif trouble == 7:
+        rows.insert(0, [""] * len(titles))
+    elif trouble == 8:
+        cells += ["", ""]
+
+
+def break_text(pick, text):
+    """One trouble in the whole; the bytes of the log."""
+    trouble = pick.randrange(12)
+    swaps = {
+        0: ("Column\n", "Column\n\n"),
+        1: ("Column\n", "COLUMN\n"),
+        2: ("\nData\n", "\n data \n"),
+        3: ("FPS\t25\n", "FPS\t25\tTAPE\tx\n"),
+        4: ("FPS\t25\n", "FPS\t\t25\n"),
+        5: ("Heading\n", ""),
+    }
+    text = text.replace(*swaps.get(trouble, ("", "")), 1) if trouble in swaps else text
+    end = {6: "\r", 7: "\r\n", 8: "\r\r\n"}.get(trouble, "\n")
+    encoding = {6: "mac-roman", 9: "utf-16", 10: "latin-1", 11: "utf-8-sig"}.get(trouble, "utf-8")
+    return text.replace("\n", end).encode(encoding), encoding
+
+
+SEED = int(os.environ.get("OLE_TEST_SEED", "20"))
+ROUNDS = 40 * int(os.environ.get("OLE_TEST_ROUNDS", "1"))
+
+
+@pytest.mark.parametrize("seed", range(SEED, SEED + 4))
+def test_findings_are_what_the_import_loses_and_mending_keeps_it(tmp_path, seed):
+    for number in range(ROUNDS):
+        pick = random.Random(seed * 100000 + number)
+        titles, rows = make_log(pick)
+        for _ in range(pick.randrange(4)):
+            break_cells(pick, titles, rows)
+        broken, encoding = break_text(pick, log_text(titles, rows).decode())
+        names, pairs, cells = read_plainly(broken.decode(encoding))
+        told = check(tmp_path, broken, "--fix", tmp_path / "mended.ale")["findings"]
+        context = f"seed {seed}, round {number}: {broken!r}\n{told}"
+
+        result = run("import", tmp_path / "a.ale", "-o", tmp_path / "a.odb")
+        assert (result.returncode == 3) == any(f["severity"] == "refused" for f in told), context + messages(result)
+        if result.returncode != 3:
+            lost = lost_by_import(tmp_path / "a.odb", pairs, cells, False)
+            for what, line in lost:
+                assert any(is_told(f, names, what, line) for f in told), (what, line, context)
+            assert lost or not [f for f in told if f["severity"] in ("lost", "changed")], context
+
+        mended = (tmp_path / "mended.ale").read_bytes()
+        left = check(tmp_path, mended)["findings"]
+        run("import", tmp_path / "mended.ale", "-o", tmp_path / "m.odb", "--all-columns")
+        excused = {line for f in left if f["code"] in NOT_MENDABLE for line in f["lines"]}
+        values = {cell for line, _, cell in read_plainly(mended.decode())[2] if line in excused}
+        kept = [(line, title, cell.strip().replace("\\n", "\n")) for line, title, cell in cells if cell not in values]
+        assert not lost_by_import(tmp_path / "m.odb", pairs, kept, True), (context, mended, left)

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Column titles that logs have and an import finds a field for, as they are spelt.
+const std::vector<std::string>& knownTitles();
+
+/// The known title that differs from this one in nothing but case and blanks; "" where there is
+/// none, or where the title is a known one.
+std::string nearKnownTitle(std::string_view title);

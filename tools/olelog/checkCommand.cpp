@@ -1,0 +1,295 @@
+// olelog check: what an import of a log would lose or change, and a copy of the log that imports
+// whole.
+//
+// Findings go to standard output, a line each, as compilers write them. Where the mended log goes
+// there, they go to standard error.
+
+#include "check/decodedText.h"
+#include "check/logCheck.h"
+#include "Command.h"
+#include "files.h"
+#include "LogFile.h"
+#include "messages.h"
+#include "Output.h"
+#include "SaveTarget.h"
+#include "shownText.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <fmt/format.h>
+#include <functional>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace {
+
+constexpr const char* examples =
+    "Example:\n"
+    "  printf 'Heading\\n\\nColumn\\n\\nName\\tStart\\n\\nData\\n\\t01:00:00:00\\n' |\n"
+    "    olelog check - --fix mended.ale\n"
+    "tells that the names stand behind a blank line and that the row has no name, and writes a "
+    "log\n"
+    "that imports whole.";
+
+struct CheckOptions {
+    std::vector<std::string> logs;
+    std::string fixed; ///< where the mended log goes; "" for nowhere
+    std::string encoding;
+    std::vector<std::string> ignored;
+    bool json = false;
+    bool inPlace = false;
+};
+
+using Json = nlohmann::ordered_json;
+
+/// Whether a file holds something that is no log, so that a log should not take its place.
+bool isNoLog(const std::string& path) {
+    std::error_code failed;
+    if (!std::filesystem::is_regular_file(path, failed) ||
+        std::filesystem::file_size(path, failed) == 0 || failed) {
+        return false;
+    }
+    const auto file = InputFile::open(path);
+    return !file || !readLogHead(*file).refusal.empty();
+}
+
+bool targetMakesSense(const CheckOptions& options) {
+    const std::string& target = options.fixed;
+    if (target.empty() || target == "-") {
+        return true;
+    }
+    const bool overLog = options.logs.front() != "-" && isSameFile(options.logs.front(), target);
+    if (overLog && !options.inPlace) {
+        say("{} would be replaced by its mended copy; --in-place allows that", target);
+        return false;
+    }
+    if (!overLog && !options.inPlace && isNoLog(target)) {
+        say("{} exists and is no log; --in-place allows to replace it", target);
+        return false;
+    }
+    return true;
+}
+
+bool usageMakesSense(const CheckOptions& options) {
+    if (std::count(options.logs.begin(), options.logs.end(), "-") > 1) {
+        sayLine("standard input can be read only once");
+        return false;
+    }
+    if (!options.fixed.empty() && options.logs.size() > 1) {
+        sayLine("--fix mends one log at a time");
+        return false;
+    }
+    if (options.json && options.fixed == "-") {
+        sayLine("--json and --fix - both need standard output");
+        return false;
+    }
+    if (!options.encoding.empty() && !decodedText("", options.encoding)) {
+        say("--encoding: the system knows no encoding {}; iconv -l lists them",
+            inQuotes(options.encoding));
+        return false;
+    }
+    return targetMakesSense(options);
+}
+
+// -- the report
+
+std::string lineOf(const LogVerdict& log, const Finding& finding) {
+    std::string more;
+    if (finding.lines.size() > 1) {
+        more = fmt::format(" (and so in {}: {})", counted(finding.lines.size() - 1, "other line"),
+                           runsOf({finding.lines.begin() + 1, finding.lines.end()}));
+    }
+    return fmt::format("{}:{}: {}{} [{}]", log.name, finding.lines.front(), finding.message, more,
+                       finding.kind.code);
+}
+
+std::string lineOf(const LogVerdict& log, const MendedLog::Change& change) {
+    return fmt::format("{}:{}: mended: {} [{}]", log.name, change.line, change.what,
+                       change.kind.code);
+}
+
+Json jsonOf(const LogVerdict& log, const Finding& finding) {
+    return {{"file", log.name},           {"line", finding.lines.front()},
+            {"code", finding.kind.code},  {"severity", nameOf(finding.kind.severity)},
+            {"message", finding.message}, {"lines", finding.lines},
+            {"columns", finding.columns}};
+}
+
+Json jsonOf(const LogVerdict& log, const MendedLog::Change& change) {
+    return {{"file", log.name},
+            {"line", change.line},
+            {"code", change.kind.code},
+            {"message", change.what}};
+}
+
+/// "2 findings: 1 lost, 1 changed".
+std::string figuresOf(const LogVerdict& log) {
+    const auto& findings = log.findings.all();
+    std::string text = findings.empty() ? "nothing found" : counted(findings.size(), "finding");
+    std::string_view separator = ": ";
+    for (const Severity severity :
+         {Severity::Refused, Severity::Lost, Severity::Changed, Severity::Doubtful}) {
+        const auto count =
+            std::count_if(findings.begin(), findings.end(), [&](const Finding& finding) {
+                return finding.kind.severity == severity;
+            });
+        if (count != 0) {
+            text += fmt::format("{}{} {}", separator, count, nameOf(severity));
+            separator = ", ";
+        }
+    }
+    return text;
+}
+
+class CheckJob {
+public:
+    explicit CheckJob(const CheckOptions& options) : options_{options} {}
+
+    int run() {
+        int code = exitFine;
+        for (const std::string& name : options_.logs) {
+            code = std::max(code, runOne(name));
+        }
+        if (options_.json) {
+            out_.write(Json{{"findings", findings_}, {"changes", changes_}}.dump(
+                           2, ' ', false, Json::error_handler_t::replace) +
+                       "\n");
+        }
+        return out_.finish(code);
+    }
+
+private:
+    int runOne(const std::string& name) {
+        const auto file = InputFile::open(name);
+        auto log = file ? checkLog(*file, options_.encoding) : std::nullopt;
+        if (!log) {
+            return exitFailure;
+        }
+        log->findings.ignore(options_.ignored);
+        for (const Finding& finding : log->findings.all()) {
+            tell(lineOf(*log, finding), findings_, jsonOf(*log, finding));
+        }
+        say("{}: {}; {}", log->name, log->taken ? counted(log->rows, "row") : "cannot be taken",
+            figuresOf(*log));
+        const bool written = options_.fixed.empty() || write(*log);
+        return !written ? exitFailure : log->findings.all().empty() ? exitFine : exitFindings;
+    }
+
+    void tell(const std::string& line, Json& list, Json entry) {
+        if (options_.json) {
+            list.push_back(std::move(entry));
+        } else if (options_.fixed == "-") {
+            sayLine(line);
+        } else {
+            out_.write(shown(line) + "\n");
+        }
+    }
+
+    bool write(const LogVerdict& log) {
+        const std::string why = whyNotMended(log.mended);
+        if (!why.empty()) {
+            say("{}: not written: {} cannot be mended: {}", targetName(), log.name, why);
+            return false;
+        }
+        if (const int error = writeFile(log.mended.text())) {
+            say("{}: cannot be written: {}; nothing was changed", targetName(), reasonText(error));
+            return false;
+        }
+        for (const MendedLog::Change& change : log.mended.changes) {
+            tell(lineOf(log, change), changes_, jsonOf(log, change));
+        }
+        say("{}: {}", targetName(),
+            log.mended.changes.empty() ? "a copy without a change"
+                                       : counted(log.mended.changes.size(), "change"));
+        return true;
+    }
+
+    [[nodiscard]] std::string targetName() const {
+        return options_.fixed == "-" ? "standard output" : options_.fixed;
+    }
+
+    /// Why an import would not take the mended log; empty where it would.
+    static std::string whyNotMended(const MendedLog& log) {
+        if (!log.failure.empty()) {
+            return log.failure;
+        }
+        auto trial = TemporaryFile::anywhere();
+        const int error = trial ? writeAll(trial->file(), log.text()) : errno;
+        if (error != 0) {
+            return reasonText(error);
+        }
+        trial->close();
+        const auto input = InputFile::open(trial->path());
+        return input ? readLogHead(*input).refusal : reasonText(EIO);
+    }
+
+    /// 0, or an error number.
+    [[nodiscard]] int writeFile(std::string_view text) const {
+        const SaveTarget target{options_.fixed};
+        if (const int error = target.whyNotWritable()) {
+            return error;
+        }
+        auto written = target.makeSibling();
+        if (!written) {
+            return errno;
+        }
+        const int error = writeAll(written->file(), text);
+        written->close();
+        return error != 0 ? error : target.take(*written);
+    }
+
+    const CheckOptions& options_;
+    Output out_;
+    Json findings_ = Json::array();
+    Json changes_ = Json::array();
+};
+
+int runCheck(const CheckOptions& options) {
+    return usageMakesSense(options) ? CheckJob{options}.run() : exitUsage;
+}
+
+std::vector<std::string> allCodes() {
+    std::vector<std::string> codes;
+    for (const FindingKind& kind : findingKinds()) {
+        codes.emplace_back(kind.code);
+    }
+    return codes;
+}
+
+} // namespace
+
+void addCheckCommand(CLI::App& app, Task& task) {
+    auto options = std::make_shared<CheckOptions>();
+    CLI::App* const command =
+        app.add_subcommand("check", "Tell what an import of logs would lose or change");
+    command->footer(examples);
+    command->add_option("LOG", options->logs, "ALE logs, or - for standard input")
+        ->required()
+        ->type_name("");
+    command
+        ->add_option("--fix", options->fixed,
+                     "Write a copy of the log that imports whole, and list what was changed")
+        ->type_name("OUT");
+    command
+        ->add_option("--encoding", options->encoding,
+                     "How --fix reads bytes that are no UTF-8 (WINDOWS-1252, or MACINTOSH "
+                     "where lines end in CR)")
+        ->type_name("NAME");
+    command
+        ->add_option("--ignore", options->ignored,
+                     "Leave out findings of this code, as column-without-field; repeatable")
+        ->delimiter(',')
+        ->check(CLI::IsMember(allCodes()).description(""))
+        ->type_name("CODE")
+        ->allow_extra_args(false);
+    command->add_flag("--json", options->json, "Print the findings and changes as JSON");
+    command->add_flag("--in-place", options->inPlace,
+                      "Allow the copy to replace the log, or another file that is no log");
+    command->callback([options, &task] { task = [options] { return runCheck(*options); }; });
+}

@@ -53,6 +53,12 @@ def run(*arguments, stdin=b"", env=None, cwd=None, **more):
     )
 
 
+def shell(command, **more):
+    """Runs a line of bash; `olelog` is the tool."""
+    script = f'olelog() {{ "{TOOL}" "$@"; }}; {command}'
+    return subprocess.run(["bash", "-c", script], stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60, **more)
+
+
 def messages(result):
     """What the tool said, with every line checked to carry its name."""
     text = result.stderr.decode("utf-8", "backslashreplace")

@@ -7,7 +7,7 @@ import random
 import re
 
 import pytest
-from olelog import csv_rows, expect, info, leftovers, log_text, messages, run, table_text
+from olelog import csv_rows, expect, info, leftovers, log_text, messages, run, shell, table_text
 
 TITLES = ["Name", "Tracks", "Start", "End", "Tape", "Note", "KN Start"]
 ROWS = [
@@ -77,7 +77,7 @@ FINDINGS = [
     (with_heading(*PARAMETERS), [("parameter-lost", 41)]),
     (with_heading("FPS\t25", "fps\t24"), [("parameter-lost", 3)]),
     (with_heading('TITLE\tThe "Best"'), [("parameter-changed", 2)]),
-    (with_heading("FILM_FORMAT\t\t16mm"), [("parameter-changed", 2), ("film-format", 2)]),
+    (with_heading("FILM_FORMAT\t\t16mm"), [("film-format", 2)]),
     (with_heading("FILM_FORMAT\t16MM"), [("film-format", 2)]),
     (replaced(b"good", b"go\0od"), [("zero-byte", 10)]),
     (with_rows(row(Name="")), [("leading-tab", 13)]),
@@ -131,6 +131,7 @@ def test_every_code_is_tried_and_described():
         log_text([*TITLES, "Lens"], [[*cells, " "] for cells in ROWS]),  # a column without values loses none
         log_text([*TITLES, "Reel"], [[*cells[:4], "", *cells[5:], "T1"] for cells in ROWS]),
         with_heading("FILM_FORMAT\t35mm, 4 perf", "TAPE\t", "FPS\t25"),
+        with_heading(" Data rate\t5"),
         with_rows(take("at midnight", "23:59:00:00", "00:00:00:00"), take("over it", "23:59:00:00", "00:05:00:00", "T8")),
         with_rows(take("B camera", "01:00:05:00", "01:00:15:00", "B1")),
         with_rows(take("whole tape", "00:00:00:00", "23:59:59:24", "T1")),
@@ -282,3 +283,94 @@ def test_findings_are_what_the_import_loses_and_mending_keeps_it(tmp_path, seed)
         values = {cell for line, _, cell in read_plainly(mended.decode())[2] if line in excused}
         kept = [(line, title, cell.strip().replace("\\n", "\n")) for line, title, cell in cells if cell not in values]
         assert not lost_by_import(tmp_path / "m.odb", pairs, kept, True), (context, mended, left)
+
+
+# -- where the mended log goes
+
+
+CR_ONLY = CLEAN.replace(b"\n", b"\r")
+
+
+def test_mended_log_replaces_only_what_it_may(tmp_path):
+    log, table = tmp_path / "a.ale", tmp_path / "t.odb"
+    log.write_bytes(CR_ONLY)
+    table.write_bytes(table_text(["Name"], [["A"]]))
+    assert "would be replaced" in expect(2, "check", log, "--fix", log)
+    assert "is no log" in expect(2, "check", log, "--fix", table)
+    assert log.read_bytes() == CR_ONLY and b"OLEDB" in table.read_bytes()
+    log.chmod(0o640)
+    expect(1, "check", log, "--fix", log, "--in-place")
+    assert log.read_bytes() == CLEAN and log.stat().st_mode & 0o777 == 0o640
+    log.write_bytes(CR_ONLY)
+    limited = shell(f"ulimit -f 0; olelog check {log} --fix {log} --in-place")
+    assert limited.returncode == 3 and log.read_bytes() == CR_ONLY and leftovers(tmp_path) == []
+
+
+def test_standard_input_and_output(tmp_path):
+    result = run("check", "-", "--fix", "-", stdin=CR_ONLY)
+    assert result.returncode == 1 and result.stdout == CLEAN
+    assert "standard input:1: " in messages(result) and "mended: " in messages(result)
+    assert expect(2, "check", "-", "--fix", "-", "--json") and expect(2, "check", "-", "-")
+    (tmp_path / "a.ale").write_bytes(CLEAN)
+    assert "one log at a time" in expect(2, "check", tmp_path / "a.ale", "-", "--fix", tmp_path / "m.ale", stdin=CLEAN)
+    assert b": 3 rows; nothing found" in run("check", tmp_path / "a.ale", tmp_path / "a.ale").stderr
+    assert expect(3, "check", tmp_path / "none.ale", tmp_path / "a.ale").count("\n") == 2
+
+
+@pytest.mark.parametrize("text", [b"", b"\xff\xfe\x00\xd8", b"\0\xff rubbish", table_text(["Name"], [["A"]]), b"Heading\nColumn\nData\n"])
+def test_what_cannot_be_mended_is_not_written(tmp_path, text):
+    (tmp_path / "a.ale").write_bytes(text)
+    assert "cannot be mended" in expect(3, "check", tmp_path / "a.ale", "--fix", tmp_path / "m.ale")
+    assert not (tmp_path / "m.ale").exists() and leftovers(tmp_path) == []
+
+
+def test_bytes_of_other_encodings_are_converted_and_listed(tmp_path):
+    log = CLEAN.decode().encode("latin-1") + "5\tV\t\t\t\tñ\t\n".encode()
+    changes = check(tmp_path, log, "--fix", tmp_path / "m.ale")["changes"]
+    assert [(c["line"], c["code"]) for c in changes] == [(12, "encoding")] and '"Zoë"' in changes[0]["message"]
+    assert (tmp_path / "m.ale").read_bytes() == CLEAN + "5\tV\t\t\t\tñ\t\n".encode()
+    for options in ([], ["--encoding", "MACINTOSH"]):
+        mac = CLEAN.decode().replace("\n", "\r" if not options else "\n").encode("mac-roman")
+        check(tmp_path, mac, "--fix", tmp_path / "m.ale", *options)
+        assert (tmp_path / "m.ale").read_bytes() == CLEAN
+    assert "no encoding" in expect(2, "check", tmp_path / "a.ale", "--encoding", "nonsense")
+
+
+def test_ignored_findings_do_not_count(tmp_path):
+    text = log_text(["Name", "Lens"], [["A", "25"], ["", "25"]])
+    assert len(check(tmp_path, text)["findings"]) == 2
+    assert check(tmp_path, text, "--ignore", "leading-tab,column-without-field", code=0)["findings"] == []
+    assert "--ignore" in expect(2, "check", tmp_path / "a.ale", "--ignore", "nonsense")
+
+
+def test_one_trouble_in_many_rows_is_one_finding_of_all_its_lines(tmp_path):
+    text = with_rows(*[row(Name="", Tape=f"T{i}") for i in range(20, 26)], row(Tape="x"), row(Name="", Tape="y"))
+    (finding,) = check(tmp_path, text)["findings"]
+    assert finding["lines"] == [13, 14, 15, 16, 17, 18, 20]
+    shown = run("check", tmp_path / "a.ale").stdout.decode()
+    assert shown.startswith(f"{tmp_path}/a.ale:13: ") and "6 other lines: 14-18, 20) [leading-tab]\n" in shown
+
+
+def test_example_of_the_help_works(tmp_path):
+    text = run("check", "--help").stdout.decode()
+    example = text[text.index("  printf") : text.index("tells that")]
+    assert shell(f"cd {tmp_path}; {example}").returncode == 1
+    expect(0, "import", tmp_path / "mended.ale", "-o", tmp_path / "t.odb")
+    assert [row["Start time"] for row in csv_rows(tmp_path / "t.odb")] == ["01:00:00:00"]
+
+
+@pytest.mark.parametrize("seed", range(SEED, SEED + 3))
+def test_any_bytes_are_taken_for_what_they_are(tmp_path, seed):
+    pick = random.Random(seed)
+    for _ in range(ROUNDS):
+        text = bytearray(pick.choice([CLEAN, CR_ONLY, CLEAN.decode().encode("utf-16")]))
+        for _ in range(pick.randrange(1, 9)):
+            at = pick.randrange(len(text))
+            text[at : at + pick.choice([0, 1, 7])] = pick.choice([b"\t", b"\n", b"\r", b"\0", b"\xff", b"Data", b"Column", b"\t\t"])
+        (tmp_path / "a.ale").write_bytes(text)
+        result = run("check", tmp_path / "a.ale", "--fix", tmp_path / "m.ale")
+        assert result.returncode in (0, 1, 3), (text, messages(result))
+        if result.returncode != 3:
+            assert run("import", tmp_path / "m.ale", "-o", tmp_path / "t.odb").returncode != 3 or (
+                b"row-too-long" in result.stdout
+            ), text

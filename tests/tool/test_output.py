@@ -8,7 +8,7 @@ import tempfile
 import time
 
 import pytest
-from olelog import TOOL, expect, info, leftovers, log_text, messages, run, table_text, write_log, write_table
+from olelog import TOOL, expect, info, leftovers, log_text, messages, run, shell, table_text, write_log, write_table
 
 
 @pytest.fixture
@@ -19,12 +19,6 @@ def log(tmp_path):
 @pytest.fixture
 def large(tmp_path):
     return write_table(tmp_path / "large.odb", ["Name", "Note"], [[f"{i}", "x" * 60] for i in range(20000)])
-
-
-def shell(command, **more):
-    """Runs a line of bash; `olelog` is the tool."""
-    script = f'olelog() {{ "{TOOL}" "$@"; }}; {command}'
-    return subprocess.run(["bash", "-c", script], stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60, **more)
 
 
 def test_standard_output_takes_the_table(tmp_path, log):

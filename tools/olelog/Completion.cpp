@@ -129,8 +129,8 @@ void offerChoices(Completion& completion, std::string_view choices, std::string_
 
 void offerValues(Completion& completion, const CLI::Option& option, const Place& place,
                  const std::string& typed) {
-    static constexpr std::array<std::string_view, 5> unknowable{"N", "TEXT", "NAME", "COOKIE",
-                                                                "KEY=VALUE"};
+    static constexpr std::array<std::string_view, 6> unknowable{"N",    "TEXT",   "NAME",
+                                                                "CODE", "COOKIE", "KEY=VALUE"};
     const std::string type = option.get_type_name();
     if (type.find('|') != std::string::npos) {
         offerChoices(completion, type, typed);

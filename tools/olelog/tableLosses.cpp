@@ -68,12 +68,20 @@ std::string howItChanges(std::string_view before, std::string_view after) {
 void forChangedParameters(const oledb& saved, const oledb& loaded, const ParameterChange& tell) {
     for (unsigned i = 0; i < saved.get_num_params(); ++i) {
         const std::string name = saved.get_param_name(i);
-        const std::string_view before = saved.get_param_val(saved.get_param_name(i));
-        const char* const after = loaded.get_param_val(saved.get_param_name(i));
+        const std::string_view before = saved.get_param_value(i);
+        const std::string kept{Tarn::trimmed(name)};
+        const char* const after = loaded.get_param_val(kept.c_str());
         if (!after) {
-            tell(name, fmt::format("parameter {}: gets lost in a table file", inQuotes(name)));
+            tell({name, fmt::format("parameter {}: gets lost in a table file", inQuotes(name)),
+                  false});
         } else if (before != after) {
-            tell(name, fmt::format("parameter {}: {}", shown(name), howItChanges(before, after)));
+            tell({name, fmt::format("parameter {}: {}", shown(name), howItChanges(before, after)),
+                  Tarn::trimmed(before) == after});
+        } else if (name != kept) {
+            tell({name,
+                  fmt::format("parameter {}: is called {} in a table file", inQuotes(name),
+                              inQuotes(kept)),
+                  true});
         }
     }
 }
@@ -134,7 +142,7 @@ std::string whyNotTheSame(oledb& saved, oledb& loaded) {
 bool tellChanges(oledb& saved, oledb& loaded, const RowOrigins& origins) {
     Findings findings;
     forChangedParameters(saved, loaded,
-                         [&](const std::string&, const std::string& what) { findings.tell(what); });
+                         [&](const ChangedParameter& change) { findings.tell(change.what); });
     tellChangedValues(saved, loaded, origins, findings);
     findings.close();
     return findings.any();

@@ -15,8 +15,13 @@ std::string whyUnsavable(const dbrecord& row);
 /// "a" comes back from a table file as "b", and why.
 std::string howItChanges(std::string_view before, std::string_view after);
 
-/// Hears of a parameter: its name, and what becomes of it.
-using ParameterChange = std::function<void(const std::string& name, const std::string& what)>;
+/// A parameter that is not the same in a table file.
+struct ChangedParameter {
+    std::string name;
+    std::string what; ///< what becomes of it, for people
+    bool onlyBlanks;  ///< it loses nothing but blanks around its name or value
+};
+using ParameterChange = std::function<void(const ChangedParameter& change)>;
 
 /// Tells of each parameter that is not the same in the table that was loaded back.
 void forChangedParameters(const oledb& saved, const oledb& loaded, const ParameterChange& tell);

@@ -114,25 +114,18 @@ unsigned lineOf(const CheckedLog& log, std::string_view name) {
     return 1;
 }
 
-bool endsInCr(const CheckedLog& log, std::string_view name) {
-    const auto& parameters = log.head().parameters;
-    return std::any_of(parameters.begin(), parameters.end(), [&](const auto& parameter) {
-        return parameter.name == name && parameter.value.ends_with('\r');
-    });
-}
-
 void checkParameters(const CheckedLog& log, FindingList& findings) {
     for (const std::string& name : parametersNotTaken(log.head(), log.imported())) {
         findings.addToGroup({}, finding::parameterLost, log.number(lineOf(log, name)),
                             fmt::format("{} does not fit into the table's {} parameters",
                                         inQuotes(name), oledb::maxParams));
     }
-    forChangedParameters(
-        log.imported(), log.kept(), [&](const std::string& name, const std::string& what) {
-            if (!endsInCr(log, name)) { // otherwise it is a part of the line end, and told there
-                findings.add(finding::parameterChanged, log.number(lineOf(log, name)), what);
-            }
-        });
+    forChangedParameters(log.imported(), log.kept(), [&](const ChangedParameter& change) {
+        if (!change.onlyBlanks) {
+            findings.add(finding::parameterChanged, log.number(lineOf(log, change.name)),
+                         change.what);
+        }
+    });
 }
 
 } // namespace

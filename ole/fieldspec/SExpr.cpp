@@ -44,8 +44,20 @@ SExpr* SExpr::reverse(SExpr* head) noexcept {
     return reversed;
 }
 
+void SExprRef::refer(ODBBase* source) noexcept {
+    db = source;
+    mortal_ = false;
+}
+
+void SExprRef::refer(ODBBase* source, std::weak_ptr<const void> life) noexcept {
+    db = source;
+    life_ = std::move(life);
+    mortal_ = true;
+}
+
 void SExprRef::asString(GrowString& out) const {
-    out.append(db ? db->get_fieldname(static_cast<unsigned>(field)) : "voidref");
+    const bool there = db && !(mortal_ && life_.expired());
+    out.append(there ? db->get_fieldname(static_cast<unsigned>(field)) : "voidref");
 }
 
 void SExprOperator::asString(GrowString& out) const {

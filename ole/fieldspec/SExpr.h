@@ -3,6 +3,7 @@
 #include "ole/ole.h"
 
 #include <cstdint>
+#include <memory>
 
 class GrowString;
 class ODBBase;
@@ -45,12 +46,19 @@ public:
     SExprRef(std::int32_t fieldNumber, ODBBase* source) noexcept
         : SExprElt{FieldReference}, field{fieldNumber}, db{source} {}
     ~SExprRef() override;
-    /// The field's name, or "voidref" without a source.
+    /// Names another source; with `life`, only until that expires.
+    void refer(ODBBase* source) noexcept;
+    void refer(ODBBase* source, std::weak_ptr<const void> life) noexcept;
+    /// The field's name, or "voidref" without a source and once it is gone.
     void asString(GrowString& out) const override;
 
     std::int32_t field;
     ODBBase* db;
     const void* unused = nullptr; ///< always null
+
+private:
+    std::weak_ptr<const void> life_;
+    bool mortal_ = false; // whether life_ counts
 };
 
 /// An operator. None is made by parsing.

@@ -85,6 +85,7 @@ void ODBViewRep::init() {
     static_cast<void>(index.release());
     base = nullptr;
     db = nullptr;
+    tableLife_.reset();
     numIndex = 0;
     indexSize = 0;
     static_cast<void>(fields.release());
@@ -95,21 +96,24 @@ void ODBViewRep::init() {
     internRevision();
 }
 
+/// Goes down a chain in a loop: however long it is, its end costs no stack.
 void ODBViewRep::release() noexcept {
-    if (refs == 0 || --refs == 0) {
-        delete this;
+    for (ODBViewRep* view = this; view && (view->refs == 0 || --view->refs == 0);) {
+        ODBViewRep* const below = std::exchange(view->base, nullptr);
+        delete view;
+        view = below;
     }
 }
 
 // -- table and base view --
 
 ODBBase* ODBViewRep::source() const noexcept {
-    return base ? static_cast<ODBBase*>(base) : db;
+    return base ? static_cast<ODBBase*>(base) : table();
 }
 
 /// Takes over from the new table before the old one is left: memory may run out on the way.
 void ODBViewRep::odb(oledb* table) {
-    if (table == db) {
+    if (table == db && (!table || this->table())) { // not a new table at the address of a dead one
         return;
     }
     Tarn::Ptr<Tarn::Guard> guard;
@@ -121,10 +125,11 @@ void ODBViewRep::odb(oledb* table) {
     }
     baseView(nullptr);
     clear();
-    retargetReferences(db, table);
     db = table;
     dbGuard = std::move(guard);
+    tableLife_.reset();
     if (table) {
+        tableLife_ = table->life();
         filename = table->get_filename();
         params = std::move(taken);
         internRevision();
@@ -137,13 +142,6 @@ bool ODBViewRep::leadsTo(const ODBViewRep* view) const noexcept {
         level = level->base;
     }
     return level != nullptr;
-}
-
-void ODBViewRep::leaveBase() {
-    baseGuard.reset();
-    if (ODBViewRep* const old = std::exchange(base, nullptr)) {
-        old->release();
-    }
 }
 
 void ODBViewRep::baseView(ODBViewRep* newBase) {
@@ -159,10 +157,12 @@ void ODBViewRep::baseView(ODBViewRep* newBase) {
         ++newBase->refs; // before the old base view goes: the new one may live only through it
     }
     clear();
-    retargetReferences(source(), newBase ? static_cast<ODBBase*>(newBase) : db);
-    leaveBase();
-    base = newBase;
     baseGuard = std::move(guard);
+    ODBViewRep* const old = std::exchange(base, newBase);
+    if (old) {
+        retargetReferences(old);
+        old->release();
+    }
     params = std::move(taken);
 }
 

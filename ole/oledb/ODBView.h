@@ -20,6 +20,7 @@ class GrowString;
 class NotifyMsg;
 class oledb;
 class SExpr;
+class SExprRef;
 class TextFile;
 
 /// A view: an ordered selection of the rows of a table, perhaps seen through another view.
@@ -30,8 +31,8 @@ class TextFile;
 /// table's tags.
 ///
 /// **Life.** Views belong on the heap and in handles (`ODBView`): each handle and each view built
-/// on a view counts in its `refs`, and the last to go deletes it. The table is not counted; it must
-/// outlive the view.
+/// on a view counts in its `refs`, and the last to go deletes it. The table is not counted and
+/// should outlive the view, which otherwise is left without a source.
 ///
 /// **What differs from a table behind the same operation:**
 /// `delete_tagged_records` takes the tagged entries out of the chain of views, keeps the rows, and
@@ -54,8 +55,10 @@ class TextFile;
 /// held it: clear in fresh storage, stale where entries were removed before. Set tags after filling
 /// a view.
 ///
-/// Without a source every operation does nothing and gives 0, false, null, or -1 from `find`. Costs
-/// are in V, the number of entries; each access through a chain adds one step a level.
+/// Without a source, which includes a table that was destroyed, operations on rows and tags do
+/// nothing and give 0, false or null; `find`, `findViewIndexForBaseRow` and `dbFieldIndex` give -1,
+/// `notTagged` true. What is the view's own works on: parameters, file name, field specification,
+/// size. Costs are in V, the number of entries; each access through a chain adds one step a level.
 class OLE_API ODBViewRep : public ODBBase, public Notifier {
 public:
     using Predicate = bool (ODBViewRep::*)(int);
@@ -81,7 +84,8 @@ public:
     /// parameters of the new base view come. The registration with the table stays. A base view
     /// that leads back to this view is not taken.
     void baseView(ODBViewRep* newBase);
-    [[nodiscard]] oledb* table() const noexcept { return db; }
+    /// The table; null where none is set, and once it was destroyed.
+    [[nodiscard]] oledb* table() const noexcept { return tableLife_.expired() ? nullptr : db; }
     [[nodiscard]] ODBViewRep* baseView() const noexcept { return base; }
     /// The base view, else the table, else null.
     [[nodiscard]] ODBBase* source() const noexcept;
@@ -232,7 +236,8 @@ public:
     [[nodiscard]] ODBViewRep* copyWithNewBaseView();
     /// Saves the view as a table file: its parameters, the table's columns, the records shown; a
     /// field "Tag" holds the view's tags. Returns the position reached, the view's count when
-    /// nothing failed; 0 on failure, and with `noRecords`, which writes the heading alone.
+    /// nothing failed; 0 on failure and without a table, and with `noRecords`, which writes the
+    /// heading alone.
     int saveAsText(LightweightString<wchar_t> name, bool noRecords);
     int saveAsText(const char* name, bool noRecords);
     /// Saves the records whose *table* tag is set, as they are. Returns the position reached, not
@@ -307,8 +312,8 @@ public:
     int in_field(unsigned r, unsigned f, double& number) override;
     int in_field(unsigned r, unsigned f, bool& flag) override;
     int add_records(int n) override;
-    /// Sets a parameter of this view alone, null as a null string; returns 0. A name that is null
-    /// or "" sets nothing: no file could hold it.
+    /// Sets a parameter of this view alone, null as a null string; returns 0. A null name sets
+    /// nothing. No file gives back a parameter whose name is "".
     int add_param(const char* name, const char* value) override;
     int set_param_val(const char* name, const char* value) override;
     [[nodiscard]] const char* get_param_val(const char* name) const override;
@@ -337,8 +342,8 @@ private:
     void moveInto(std::unique_ptr<IndexEntry[]> storage, int n) noexcept;
     void openGap(int at, int n);
     [[nodiscard]] int runLength(int from, int k) const noexcept;
-    void leaveBase();
-    void retargetReferences(const ODBBase* from, ODBBase* to);
+    void referToSource(SExprRef& reference) const;
+    void retargetReferences(const ODBBase* from);
     void release() noexcept;
     [[nodiscard]] std::vector<int> rowsOf(const std::vector<Cookie>& cookies) const;
     void copyTagsTo(ODBViewRep& other) const;
@@ -354,6 +359,7 @@ private:
     unsigned refs = 0;
     ODBViewRep* base = nullptr;
     oledb* db = nullptr;
+    std::weak_ptr<const void> tableLife_;
     int numIndex = 0;
     int indexSize = 0;
     std::unique_ptr<IndexEntry[]> index;

@@ -33,7 +33,8 @@ public:
     /// there is none before the first entry whose record is missing. Linear.
     int find(dbrecord* record);
     /// Goes from the current position on, itself included, to the one whose field equals a value
-    /// ignoring case, and returns it; -1 for none, from -1, and for an unknown field. Linear.
+    /// ignoring case, and returns it; -1 for none, from -1, and for an unknown field. The current
+    /// one need not be tagged, the others must where only tagged ones are walked. Linear.
     int findField(const char* field, const char* value);
     /// Halves the range from the current position to the end, over a view in ascending order of the
     /// field. Deliberately it never returns a find: -1 when the range closes, and **it does not

@@ -44,7 +44,7 @@ dbrecord* ODBViewRep::get_record(unsigned i) const {
 }
 
 dbrecord* ODBViewRep::make_dummy_record() {
-    return db ? db->make_dummy_record() : nullptr;
+    return table() ? db->make_dummy_record() : nullptr;
 }
 
 int ODBViewRep::set_tag(unsigned i, int v) {
@@ -249,7 +249,7 @@ LightweightString<wchar_t> ODBViewRep::get_filename() {
 }
 
 int ODBViewRep::add_param(const char* name, const char* value) {
-    if (name && *name != '\0') {
+    if (name) {
         params.set(name, value);
     }
     return 0;

@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <climits>
 #include <memory>
+#include <typeinfo>
 #include <unordered_set>
 
 namespace {
@@ -96,9 +97,8 @@ int ODBViewRep::tagDuplicates(int field) {
     if (!source()) {
         return 0;
     }
-    const KeepAlive alive{
-        *this}; // the temporary view gives its count back; nobody else need hold one
-    ODBViewRep ordered{db, fieldSpecText()};
+    const KeepAlive alive{*this}; // the temporary view gives its count back
+    ODBViewRep ordered{table(), fieldSpecText()};
     ordered.baseView(this);
     ordered.displayAllRecords();
     ordered.set_sortfield(field);
@@ -116,7 +116,7 @@ void ODBViewRep::tagBaseFromTags() {
 }
 
 ODBViewRep* ODBViewRep::newTagSubview() {
-    if (!db) {
+    if (!table()) {
         return nullptr;
     }
     const KeepAlive alive{*this}; // outlives the view, should memory run out
@@ -177,6 +177,7 @@ bool ODBViewRep::displayMatchAt(const char* field, const char* value, int at) {
 }
 
 void ODBViewRep::displayTaggedRecordsAt(int at) {
+    const KeepAlive alive{*this};
     const LifeSupport lifeSupport;
     ODBBase* const from = source();
     if (!from) {
@@ -202,13 +203,20 @@ std::vector<int> ODBViewRep::rowsOf(const std::vector<Cookie>& cookies) const {
     while (bottom->base) {
         bottom = bottom->base;
     }
-    if (bottom->db) {
-        return bottom->db->findFirstOfEach(cookies);
+    oledb* const table = bottom->table();
+    if (table && typeid(*table) == typeid(oledb)) {
+        return table->findFirstOfEach(cookies);
     }
-    return std::vector<int>(cookies.size(), bottom == this ? -1 : 0); // 0: a view without a source
+    std::vector<int> rows(cookies.size(), -1); // a host's own table may search in its own way
+    ODBBase* const from = source();
+    std::transform(cookies.begin(), cookies.end(), rows.begin(), [from](const Cookie& cookie) {
+        return from ? from->findFirst("Cookie", cookie.asString(false).c_str(), 0) : -1;
+    });
+    return rows;
 }
 
 int ODBViewRep::displayRecordsAt(const std::vector<Cookie>& cookies, int at) {
+    const KeepAlive alive{*this};
     const LifeSupport lifeSupport;
     int shown = 0;
     for (const int row : rowsOf(cookies)) {
@@ -224,8 +232,8 @@ int ODBViewRep::displayRecordsAt(const CookieSet& cookies, int at) {
 }
 
 void ODBViewRep::displayAllRecords() {
-    const LifeSupport lifeSupport;
     const KeepAlive alive{*this};
+    const LifeSupport lifeSupport;
     if (source()) {
         remove(0, numIndex);
     }
@@ -235,9 +243,10 @@ void ODBViewRep::displayAllRecords() {
 }
 
 int ODBViewRep::displayAllFromAt(ODBViewRep* other, int at) {
-    if (base || !db || !other || other->base || other->db != db) {
+    if (base || !table() || !other || other->base || other->db != db) {
         return 0;
     }
+    const KeepAlive alive{*this};
     const LifeSupport lifeSupport;
     std::unordered_set<const dbrecord*> shown;
     for (int i = 0; i < numIndex; ++i) {
@@ -418,7 +427,7 @@ void ODBViewRep::copyTagsTo(ODBViewRep& other) const {
 }
 
 ODBViewRep* ODBViewRep::copy() {
-    if (!db) {
+    if (!table()) {
         return nullptr;
     }
     auto view = std::make_unique<ODBViewRep>(db, fieldSpecText());
@@ -434,7 +443,7 @@ ODBViewRep* ODBViewRep::copy() {
 }
 
 ODBViewRep* ODBViewRep::copyWithNewBaseView() {
-    if (!db) {
+    if (!table()) {
         return nullptr;
     }
     auto table = std::make_unique<oledb>(*db, 1);

@@ -24,13 +24,11 @@ void ODBViewRep::writeHeading(TextFile& file) const {
         line += '"';
         file.appendLine(line);
     }
-    if (db) {
-        db->save_column_header(file, false);
-    }
+    db->save_column_header(file, false);
 }
 
 int ODBViewRep::saveAsText(LightweightString<wchar_t> name, bool noRecords) {
-    if (!source() || name.empty()) {
+    if (!source() || !table() || name.empty()) {
         return 0;
     }
     TextFile file;
@@ -57,7 +55,7 @@ int ODBViewRep::saveAsText(const char* name, bool noRecords) {
 }
 
 int ODBViewRep::saveOnlyTagged(LightweightString<wchar_t> name) {
-    if (!source() || name.empty()) {
+    if (!source() || !table() || name.empty()) {
         return 0;
     }
     Tarn::reportFailedCheck("false", "ole/oledb/ODBView line 1043");

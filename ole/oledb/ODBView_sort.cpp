@@ -9,6 +9,7 @@
 #include "ole/oledb/ODBView.h"
 #include "ole/oledb/oledb.h"
 #include "ole/oledb/StableSort.h"
+#include "ole/oledb/ViewKeepAlive.h"
 
 #include <algorithm>
 #include <utility>
@@ -48,6 +49,7 @@ int odbViewSortFn(const void* a, const void* b) {
 }
 
 void ODBViewRep::sort(int dirn, int x) {
+    const KeepAlive alive{*this}; // the watchdog is the host's
     const LifeSupport lifeSupport;
     if (ODBBase* const from = source()) {
         sortDirection = dirn;

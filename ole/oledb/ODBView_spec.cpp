@@ -4,6 +4,7 @@
 #include "ole/fieldspec/SExpr.h"
 #include "ole/oledb/ODBView.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/ViewKeepAlive.h"
 #include "tarn/GrowString.h"
 
 #include <cstring>
@@ -50,6 +51,7 @@ int ODBViewRep::dbFieldIndex(const char* name) const {
 }
 
 void ODBViewRep::fieldSpec(const char* spec) {
+    const KeepAlive alive{*this};             // the console is the host's
     const LightweightString<char> text{spec}; // before the old text goes: it may be that one
     fieldSpecStr = text;
     if (text.isNull()) {
@@ -64,7 +66,8 @@ void ODBViewRep::fieldSpec(const char* spec) {
                            token.c_str());
             continue;
         }
-        auto reference = std::make_unique<SExprRef>(field, source());
+        auto reference = std::make_unique<SExprRef>(field, nullptr);
+        referToSource(*reference);
         auto node = std::make_unique<SExpr>(reference.get(), fields.get());
         static_cast<void>(reference.release()); // owned by the node now, as is the list behind it
         static_cast<void>(fields.release());
@@ -86,14 +89,21 @@ void ODBViewRep::asString(GrowString& out) const {
     }
 }
 
-/// References to a source that is being left name the new one, so that none outlives what it names.
-void ODBViewRep::retargetReferences(const ODBBase* from, ODBBase* to) {
+void ODBViewRep::referToSource(SExprRef& reference) const {
+    if (base) {
+        reference.refer(base);
+    } else {
+        reference.refer(db, tableLife_);
+    }
+}
+
+/// References to a base view that was left name the new source: they must not outlive what they
+/// name. A table tells when it dies, and references to one stay as they were made.
+void ODBViewRep::retargetReferences(const ODBBase* from) {
     for (const SExpr* node = fields.get(); node; node = node->next) {
-        if (node->elt && node->elt->kind == SExprElt::FieldReference) {
-            auto* const reference = dynamic_cast<SExprRef*>(node->elt);
-            if (reference && reference->db == from) {
-                reference->db = to;
-            }
+        auto* const reference = dynamic_cast<SExprRef*>(node->elt);
+        if (reference && reference->db == from) {
+            referToSource(*reference);
         }
     }
 }

@@ -369,6 +369,8 @@ public:
     [[nodiscard]] int baseIndex(int row) override { return row; }
     /// 1 when construction or loading succeeded.
     [[nodiscard]] int get_valid() const override { return valid_; }
+    /// Expires when the table is destroyed: what holds a table without owning it can ask.
+    [[nodiscard]] std::weak_ptr<const void> life() const noexcept { return life_; }
 
     /// Switches of the search; no operation sets them.
     int caseSensitiveSearch = 0;
@@ -448,6 +450,7 @@ private:
     std::map<LightweightString<char>, unsigned, StrCmpCI> fieldNameMap_;
     std::vector<bool> specialLabels_;
     int valid_ = 0;
+    std::shared_ptr<const char> life_ = std::make_shared<const char>();
 };
 
 /// A copy of a text without every occurrence of a character; null gives a null string.

@@ -117,13 +117,17 @@ TEST(ViewFieldSpec, LongListsDoNotRecurse) {
 }
 
 TEST(ViewFieldSpec, ReferencesFollowTheSource) {
-    const auto table = makeTable({"A"});
+    auto table = makeTable({"A"});
+    const auto second = makeTable({"B"});
     const ODBView view{table.get()};
-    view->baseView(ODBView{table.get()}.rep());
-    view->fieldSpec("A");
+    view->baseView(ODBView{second.get()}.rep());
+    view->fieldSpec("B");
+    EXPECT_EQ(listOf(*view), "(A B)");
     view->baseView(nullptr); // the base view dies
     EXPECT_EQ(listOf(*view), "(A A)");
-    view->odb(nullptr);
+    view->odb(second.get());
+    EXPECT_EQ(listOf(*view), "(A A)") << "as long as the table lives";
+    table.reset();
     EXPECT_EQ(listOf(*view), "(voidref voidref)");
 }
 

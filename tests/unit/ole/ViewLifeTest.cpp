@@ -1,6 +1,7 @@
 // Who keeps a view alive, and listeners that take views away in the middle of a notice. Most of
 // these cases speak up only under a sanitizer.
 
+#include "ole/oledb/messageTypes.h"
 #include "support/NoticeRecorder.h"
 #include "support/Views.h"
 
@@ -89,7 +90,52 @@ TEST(ViewLife, TheTableDiesFirst) {
     const ODBView view = viewOver(viewOfAll(*table));
     const ODBView sibling = viewOfAll(*table);
     NoticeRecorder notices{*view};
+    oledb* const place = table.get();
     table.reset();
+    EXPECT_EQ(sibling->table(), nullptr);
+    EXPECT_EQ(sibling->baseIndex(2) + sibling->tagAll(true) + sibling->tagDuplicates(0), 0);
+    EXPECT_EQ(sibling->deleteRecords(0, 3) + sibling->insertBlankRecords(0, 1), 0);
+    EXPECT_EQ(sibling->saveAsText(L"/dev/null", false), 0);
+    EXPECT_EQ(sibling->newTagSubview(), nullptr);
+    sibling->displayAllRecords();
+    EXPECT_EQ(sibling->count(), 3) << "what shows nothing is not filled again";
+    EXPECT_EQ((*view)[0], nullptr) << "nor through a base view";
+    EXPECT_EQ(view->deleteRecords(0, 3), 3);
+    EXPECT_EQ(view->get_num_fields(), 0U);
+    view->sort(1, 0);
+    table = numberedTable(2);
+    sibling->odb(table.get());
+    EXPECT_EQ(sibling->count(), 0)
+        << "another table" << (place == table.get() ? ", same place" : "");
+}
+
+TEST(ViewLife, ATableThatDiesDuringItsNotices) {
+    using Way = void (*)(ODBViewRep&);
+    const Way ways[] = {
+        [](ODBViewRep& view) { view.deleteRecords(0, 4); },
+        [](ODBViewRep& view) { view.deleteTagged(); },
+    };
+    for (const Way way : ways) {
+        auto table = numberedTable(6);
+        const ODBView view = viewOf(*table, {0, 2, 4, 5});
+        view->tagAll(true);
+        const auto guard = table->registerInterest(
+            [&table](const NotifyMsg&) { return table.reset(), 0; }, recordsDeletedType());
+        way(*view);
+        EXPECT_EQ(view->source(), nullptr);
+    }
+}
+
+TEST(ViewLife, LongChainsEndWithoutRecursion) {
+    const auto table = numberedTable(1);
+    ODBView top{table.get()};
+    for (int i = 0; i < 20000; ++i) {
+        const ODBView next{table.get()};
+        next->baseView(top.rep());
+        top = next;
+    }
+    EXPECT_EQ(top->baseView()->references(), 1U);
+    top = ODBView{};
 }
 
 /// Every way to a notice, while the listener drops the last handle of the view that sends it.

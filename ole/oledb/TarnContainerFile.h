@@ -114,15 +114,17 @@ public:
     /// 'I'). Cookies that are there already are added again. Amortised constant.
     dbrecord* addItem(const Cookie& cookie);
     /// Set the name (UTF-8), an attribute, permanence. A later value replaces an earlier one.
-    /// Nothing happens for an empty key, for the key "OLEDB" before any other attribute was set,
-    /// and beyond 40 attributes with that one. Null texts count as "".
+    /// Nothing happens for an empty key, for the key "OLEDB" before any other attribute was set
+    /// (later it replaces the revision), and beyond 40 attributes with that one. Null texts count
+    /// as "".
     void setName(LightweightString<char> name);
     void setAttrib(LightweightString<char> key, LightweightString<char> value);
     void setPermanent(bool permanent);
     /// Saves the container. A file that exists is replaced only by a complete new one, which is
     /// written to path.tmp first: where that fails, the old file stays as it was and nothing is
     /// left beside it. Another file at path.tmp is removed before, though only when there is a file
-    /// at `path`: without one it may hold what an interrupted save left, and it stays. There is no
+    /// at `path`: without one it may hold what an interrupted save left, and it stays. The new file
+    /// has the permissions of any new file, and takes the place of a symbolic link. There is no
     /// result; to make sure, read the file. Linear in the items.
     void save(const LightweightString<wchar_t>& path);
 

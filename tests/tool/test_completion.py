@@ -48,6 +48,7 @@ def in_bash(folder, *words):
         (["show", "day.odb", "--sort", "Start\\ time,Sc"], ["Start\\ time,Scene"]),
         (["show", "day.odb", "--where", "Sh"], ["Shot="]),
         (["show", "day.odb", "--where", "Shot", "=", "1"], [""]),
+        (["container", "add", "c.sg", "--from", "day.odb", "--where", "Sh"], ["Shot="]),
         (["show", "--format", "=", "c"], ["csv"]),
         (["show", "--limit", ""], [""]),
         (["show", "--sort", "S"], [""]),  # no table, no fields

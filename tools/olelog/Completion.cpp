@@ -60,6 +60,8 @@ void passWord(Place& place, const std::string& word) {
     const CLI::Option* const waiting = std::exchange(place.valueOf, nullptr);
     if (waiting && word == "=") { // some shells part --option=value in three
         place.valueOf = waiting;
+    } else if (waiting && waiting->check_lname("from")) {
+        place.file = word; // the table that is chosen from
     } else if (waiting) {
         return;
     } else if (word == "--") {

@@ -187,7 +187,8 @@ def test_writing_that_fails(container):
     many = [cookie(n) for n in range(100, 200)]
     for words in (["add", container], ["create", container, "--in-place", "--name", "n"], ["create", container.parent / "new.sg", "--name", "n"]):
         assert "cannot be written: File too large" in expect(3, "container", *words, *many, preexec_fn=full)
-    assert "cannot be written" in expect(3, "container", "create", container.parent / "no" / "c.sg", "--name", "n")
+    for words in ([], ["--dry-run"]):
+        assert "cannot be written" in expect(3, "container", "create", container.parent / "no" / "c.sg", "--name", "n", *words)
     assert container.read_bytes() == before and list(container.parent.iterdir()) == [container]
 
 

@@ -95,3 +95,15 @@ int saveChecked(oledb& table, const std::string& target, const RowOrigins& origi
     }
     return changed ? exitFindings : exitFine;
 }
+
+bool canBeSaved(const std::string& target) {
+    const SaveTarget place{target};
+    int error = place.whyNotWritable();
+    if (error == 0 && !place.makeSibling()) {
+        error = errno;
+    }
+    if (error != 0) {
+        cannotWrite(target, error);
+    }
+    return error == 0;
+}

@@ -26,3 +26,7 @@ int writeTable(oledb& table, const std::string& path);
 ///
 /// Returns the tool's exit code.
 int saveChecked(oledb& table, const std::string& target, const RowOrigins& origins);
+
+/// Whether a file could be saved there; says why not. For commands that only tell what they would
+/// do.
+bool canBeSaved(const std::string& target);

@@ -220,6 +220,9 @@ int addItems(LoadedContainer& container, const WantedItems& wanted,
         say("{}: {} in it already, not added again: {}", name, counted(known.size(), "item"),
             namesOf(known));
     }
+    if (asked.dryRun && !canBeSaved(asked.container)) {
+        return exitFailure;
+    }
     if (asked.dryRun) {
         say("{}: {} would be added{}{}", name, counted(added.size(), "item"),
             added.empty() ? "" : ": ", namesOf(added));
@@ -255,6 +258,9 @@ int createContainer(const ContainerCreation& wanted) {
     tellRepeated(items);
     const std::string what = fmt::format("container {} with {}", inQuotes(wanted.name),
                                          counted(items.cookies.size(), "item"));
+    if (wanted.dryRun && !canBeSaved(wanted.container)) {
+        return exitFailure;
+    }
     if (wanted.dryRun) {
         say("{}: would be made: {}", nameOf(wanted.container), what);
         return exitCodeOf(items);

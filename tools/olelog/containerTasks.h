@@ -30,6 +30,6 @@ struct ContainerQuestion {
 };
 
 int createContainer(const ContainerCreation& wanted);
-int addToContainer(const ContainerAddition& wanted);
+int addToContainer(const ContainerAddition& asked);
 int listContainer(const ContainerQuestion& question);
 int tellOfContainer(const ContainerQuestion& question);

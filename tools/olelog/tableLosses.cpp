@@ -68,7 +68,8 @@ std::string howItChanges(std::string_view before, std::string_view after) {
 void forChangedParameters(const oledb& saved, const oledb& loaded, const ParameterChange& tell) {
     for (unsigned i = 0; i < saved.get_num_params(); ++i) {
         const std::string name = saved.get_param_name(i);
-        const std::string_view before = saved.get_param_value(i);
+        // of a name that stands twice the first counts, before and after
+        const std::string_view before = saved.get_param_val(saved.get_param_name(i));
         const std::string kept{Tarn::trimmed(name)};
         const char* const after = loaded.get_param_val(kept.c_str());
         if (!after) {

@@ -15,42 +15,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <CLI/CLI.hpp>
 #include <memory>
+#include <optional>
 
 namespace {
 
 constexpr int greatestTag = 255;
 
-int cannotWrite(const std::string& name, int error) {
-    say("{}: cannot be written: {}; nothing was changed", name == "-" ? "standard output" : name,
-        reasonText(error));
-    return exitFailure;
-}
-
-} // namespace
-
-int writeTable(oledb& table, const std::string& path) {
-    const SignalPause pause; // the module writes through a file that we cannot remove
-    const auto filename = table.get_filename();
-    table.set_filename(modulePath(path));
-    errno = 0;
-    const int rows = table.save_text();
-    const int error = errno;
-    table.set_filename(filename);
-    if (rows != 0 || table.get_num_records() == 0) {
-        return 0;
-    }
-    return error == 0 ? EIO : error;
-}
-
-bool takeTag(oledb& table, unsigned row, unsigned col) {
-    const std::string text{valueOf(table, row, col)};
-    const int tag = std::clamp(Tarn::parseInt(text.c_str()), 0, greatestTag);
-    table.set_tag(row, tag);
-    table.set_field(row, col, tag); // as saving will; it counts for the length of the row
-    return text.empty() || text == std::to_string(tag);
-}
-
+/// Saving writes the tags over the column "Tag": takes them from there first. Says which of its
+/// values are no tags and will be lost, and returns whether there are none.
 bool takeTagsFromColumn(oledb& table, const RowOrigins& origins) {
     const int found = table.get_fieldnum("Tag");
     const auto col = static_cast<unsigned>(found);
@@ -67,16 +41,73 @@ bool takeTagsFromColumn(oledb& table, const RowOrigins& origins) {
     return !findings.any();
 }
 
-int saveChecked(oledb& table, const std::string& target, const RowOrigins& origins) {
+int cannotWrite(const std::string& name, int error) {
+    say("{}: cannot be written: {}; nothing was changed", name == "-" ? "standard output" : name,
+        reasonText(error));
+    return exitFailure;
+}
+
+/// Puts the written file in its place, unless that is not wanted.
+int finish(const SaveTarget& place, TemporaryFile& written, const std::string& target,
+           bool lossless, const SaveRules& rules) {
+    if (!lossless && rules.strict) {
+        return refuseLoss(target);
+    }
+    if (!rules.dryRun) {
+        if (const int error = place.take(written)) {
+            return cannotWrite(target, error);
+        }
+    }
+    return lossless ? exitFine : exitFindings;
+}
+
+} // namespace
+
+bool takeTag(oledb& table, unsigned row, unsigned col) {
+    const std::string text{valueOf(table, row, col)};
+    const int tag = std::clamp(Tarn::parseInt(text.c_str()), 0, greatestTag);
+    table.set_tag(row, tag);
+    table.set_field(row, col, tag); // as saving will; it counts for the length of the row
+    return text.empty() || text == std::to_string(tag);
+}
+
+int writeTable(oledb& table, const std::string& path) {
+    const SignalPause pause; // the module writes through a file that we cannot remove
+    const auto filename = table.get_filename();
+    table.set_filename(modulePath(path));
+    errno = 0;
+    const int rows = table.save_text();
+    const int error = errno;
+    table.set_filename(filename);
+    if (rows != 0 || table.get_num_records() == 0) {
+        return 0;
+    }
+    return error == 0 ? EIO : error;
+}
+
+void addStrictOption(CLI::App& command, bool& strict) {
+    command.add_flag("--strict", strict,
+                     "Write nothing where the table file would give back anything changed");
+}
+
+int refuseLoss(const std::string& target) {
+    say("{}: not written, as --strict asks: the table would not come back as it is",
+        target == "-" ? "standard output" : target);
+    return exitFailure;
+}
+
+int saveChecked(oledb& table, const std::string& target, const RowOrigins& origins,
+                const SaveRules& rules) {
     const SaveTarget place{target};
     if (const int error = place.whyNotWritable()) {
         return cannotWrite(target, error);
     }
+    const bool tagsKept = takeTagsFromColumn(table, origins);
     if (tellUnsavableRows(table, origins)) {
         say("{}: not written", target == "-" ? "standard output" : target);
         return exitFailure;
     }
-    auto written = place.makeSibling();
+    auto written = rules.dryRun ? TemporaryFile::anywhere() : place.makeSibling();
     if (!written) {
         return cannotWrite(target, errno);
     }
@@ -90,10 +121,7 @@ int saveChecked(oledb& table, const std::string& target, const RowOrigins& origi
         return exitFailure;
     }
     const bool changed = tellChanges(table, *loaded, origins);
-    if (const int error = place.take(*written)) {
-        return cannotWrite(target, error);
-    }
-    return changed ? exitFindings : exitFine;
+    return finish(place, *written, target, tagsKept && !changed, rules);
 }
 
 bool canBeSaved(const std::string& target) {

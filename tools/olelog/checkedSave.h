@@ -4,28 +4,41 @@
 
 #include <string>
 
+namespace CLI {
+class App;
+}
 class oledb;
 
-/// Tables read from a file keep their tags in the column "Tag" alone, and saving writes that column
-/// anew. Takes the tags from it; says which of its values are no tags and will be lost, and returns
-/// whether there are none.
-bool takeTagsFromColumn(oledb& table, const RowOrigins& origins);
+struct SaveRules {
+    bool strict = false; ///< what the format changes is an error, not a finding
+    bool dryRun = false; ///< all is written and checked, elsewhere; the target is left alone
+};
 
-/// The same for one row, without a word; false where its value is no tag.
+/// Takes the tag of one row from its column "Tag", as saving does of every row; false where the
+/// value there is no tag.
 bool takeTag(oledb& table, unsigned row, unsigned col);
 
 /// Writes the table into a file; 0, or an error number. A table without rows cannot tell success
 /// from failure here: that shows when it is loaded back.
 int writeTable(oledb& table, const std::string& path);
 
-/// Saves a table in a file (- for standard output) and makes sure that it can be loaded again.
+/// Adds the option --strict to a command.
+void addStrictOption(CLI::App& command, bool& strict);
+
+/// Says that nothing was written because of --strict. Returns the exit code.
+int refuseLoss(const std::string& target);
+
+/// Saves a table in a file (- for standard output) and makes sure that it can be loaded again. Its
+/// column "Tag", where there is one, holds its tags: a table keeps no others.
 ///
 /// It is written beside the target, loaded back and compared. A table that would not come back
 /// whole is not saved: the target stays as it was, and the reason is said. Single values that come
-/// back changed are named, and the table is saved. An existing file keeps its permissions.
+/// back changed are named, and the table is saved unless the rules are strict. An existing file
+/// keeps its permissions.
 ///
 /// Returns the tool's exit code.
-int saveChecked(oledb& table, const std::string& target, const RowOrigins& origins);
+int saveChecked(oledb& table, const std::string& target, const RowOrigins& origins,
+                const SaveRules& rules = {});
 
 /// Whether a file could be saved there; says why not. For commands that only tell what they would
 /// do.

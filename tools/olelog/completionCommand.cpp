@@ -84,7 +84,7 @@ void addCompletionCommand(CLI::App& app, Task& task) {
     CLI::App* const command =
         app.add_subcommand("completion", "Print what makes a shell complete this tool's words");
     command->require_subcommand(1);
-    command->footer("Example: source <(olelog completion bash)");
+    addExample(*command, "source <(olelog completion bash)");
     command->add_subcommand("bash", "The script for bash")->callback([&task] {
         task = [] { return print(bashScript); };
     });

@@ -187,13 +187,8 @@ std::string namesOf(const CookieVec& cookies) {
 
 /// Saves the container; `codeSoFar` is the exit code where that finds nothing.
 int save(oledb& table, const std::string& container, int codeSoFar) {
-    const RowOrigins origins;
-    const bool tagsKept = takeTagsFromColumn(table, origins);
-    const int code = saveChecked(table, container, origins);
-    if (code != exitFine) {
-        return code;
-    }
-    return tagsKept ? codeSoFar : exitFindings;
+    const int code = saveChecked(table, container, {});
+    return code == exitFine ? codeSoFar : code;
 }
 
 void tellRepeated(const WantedItems& wanted) {

@@ -94,3 +94,16 @@ std::vector<std::string> namesOfList(const oledb& table, const std::string& list
     }
     return names;
 }
+
+std::optional<std::vector<unsigned>> columnsOf(oledb& table, std::string_view option,
+                                               const std::string& list) {
+    std::vector<unsigned> columns;
+    for (const std::string& name : namesOfList(table, list)) {
+        const auto col = columnOf(table, option, name);
+        if (!col) {
+            return std::nullopt;
+        }
+        columns.push_back(*col);
+    }
+    return columns;
+}

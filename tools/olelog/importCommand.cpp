@@ -42,6 +42,7 @@ struct ImportOptions {
     bool identify = false;
     bool append = false;
     bool inPlace = false;
+    bool strict = false;
 };
 
 struct Log {
@@ -92,6 +93,9 @@ public:
             return exitFailure;
         }
         tellRenamed();
+        if (options_.strict && (cut_ || !extra_.noRoom.empty() || !extra_.renamed.empty())) {
+            return refuseLoss(options_.output);
+        }
         identify();
         return save();
     }
@@ -326,7 +330,7 @@ private:
         if (!notTaken.empty()) {
             say("{}: heading parameters that do not fit into the table's {}: {}", log.file.name(),
                 oledb::maxParams, listed(notTaken));
-            findings_ = true;
+            findings_ = cut_ = true;
         }
     }
 
@@ -343,9 +347,9 @@ private:
     }
 
     int save() {
-        findings_ = !takeTagsFromColumn(*table_, origins_) || findings_;
         showProgress(fmt::format("writing {} ...", options_.output));
-        const int code = saveChecked(*table_, options_.output, origins_);
+        const int code =
+            saveChecked(*table_, options_.output, origins_, {.strict = options_.strict});
         clearProgress();
         if (code == exitFailure) {
             return code;
@@ -366,6 +370,7 @@ private:
     std::set<std::string> emptyTitles_; // their fields were left out for want of values
     RowOrigins origins_;
     bool findings_ = false;
+    bool cut_ = false; // heading parameters found no room
 };
 
 int runImport(const ImportOptions& options) {
@@ -390,5 +395,7 @@ void addImportCommand(CLI::App& app, Task& task) {
     command->add_flag("--append", options->append, "Add the rows to the table where it exists");
     command->add_flag("--in-place", options->inPlace,
                       "Allow the table to replace a log, or another file that is no table");
+    addStrictOption(*command, options->strict);
+    addExample(*command, "olelog import day-12.ale -o day-12.odb");
     command->callback([options, &task] { task = [options] { return runImport(*options); }; });
 }

@@ -148,5 +148,6 @@ void addInfoCommand(CLI::App& app, Task& task) {
         ->required()
         ->type_name("");
     command->add_flag("--json", options->json, "Print one JSON object");
+    addExample(*command, "olelog info day-12.odb");
     command->callback([options, &task] { task = [options] { return runInfo(*options); }; });
 }

@@ -9,6 +9,7 @@
 #include "Output.h"
 #include "TemporaryFile.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <new>
@@ -18,7 +19,7 @@ namespace {
 
 constexpr const char* description =
     "olelog keeps the logs of a shoot in tables: it imports ALE logs, shows what stands in a "
-    "table file, and saves a selection of it.";
+    "table file, and sorts, tags, joins and exports it.";
 constexpr const char* footer =
     "Exit codes: 0 fine, 1 done with findings, 2 wrong usage, 3 cannot read or write.\n"
     "A file name of - means standard input or output.";
@@ -61,6 +62,10 @@ int run(int argc, char** argv) {
     addInfoCommand(app, task);
     addShowCommand(app, task);
     addSaveCommand(app, task);
+    addSortCommand(app, task);
+    addTagCommand(app, task);
+    addDedupeCommand(app, task);
+    addMergeCommand(app, task);
     addCompletionCommand(app, task);
     addContainerCommand(app, task);
     try {
@@ -72,6 +77,16 @@ int run(int argc, char** argv) {
 }
 
 } // namespace
+
+void addExample(CLI::App& command, const std::string& lines) {
+    std::string text = command.get_footer() + "\n\nExample:";
+    for (std::size_t start = 0; start < lines.size();) {
+        const std::size_t end = std::min(lines.find('\n', start), lines.size());
+        text += "\n  " + lines.substr(start, end - start);
+        start = end + 1;
+    }
+    command.footer(text);
+}
 
 int main(int argc, char** argv) {
     occupyStandardFiles();

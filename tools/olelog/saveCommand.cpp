@@ -22,6 +22,7 @@ struct SaveOptions {
     std::string file;
     std::string output;
     bool inPlace = false;
+    bool strict = false;
     SelectionOptions selection;
 };
 
@@ -54,15 +55,13 @@ void copyRows(const Selection& selection, oledb& table) {
     }
 }
 
-int saveSelection(oledb& source, const Selection& selection, const std::string& output) {
+int saveSelection(oledb& source, const Selection& selection, const SaveOptions& options) {
     const std::unique_ptr<oledb> table = makeTable(source, selection.columns);
     copyRows(selection, *table);
-    const RowOrigins origins;
-    const bool tagsKept = takeTagsFromColumn(*table, origins);
-    showProgress(fmt::format("writing {} ...", output));
-    const int code = saveChecked(*table, output, origins);
+    showProgress(fmt::format("writing {} ...", options.output));
+    const int code = saveChecked(*table, options.output, {}, {.strict = options.strict});
     clearProgress();
-    return code == exitFine && !tagsKept ? exitFindings : code;
+    return code;
 }
 
 int runSave(const SaveOptions& options) {
@@ -91,7 +90,7 @@ int runSave(const SaveOptions& options) {
         say("{}: no row is selected; nothing was written", file->name());
         return exitFindings;
     }
-    const int code = saveSelection(*loaded.table, *selection, options.output);
+    const int code = saveSelection(*loaded.table, *selection, options);
     return code == exitFine && !loaded.whole ? exitFindings : code;
 }
 
@@ -108,6 +107,9 @@ void addSaveCommand(CLI::App& app, Task& task) {
         ->required()
         ->type_name("TABLE");
     command->add_flag("--in-place", options->inPlace, "Allow the table to replace the one read");
+    addStrictOption(*command, options->strict);
     addSelectionOptions(*command, options->selection);
+    addExample(*command,
+               "olelog save day-12.odb -o prints.odb --where Notes=print --sort Reel,Shot");
     command->callback([options, &task] { task = [options] { return runSave(*options); }; });
 }

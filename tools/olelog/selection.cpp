@@ -81,14 +81,9 @@ bool takeKeys(oledb& table, const SelectionOptions& options, Wish& wish) {
     if (options.sort.empty()) {
         return true;
     }
-    for (const std::string& name : namesOfList(table, options.sort)) {
-        const auto col = columnOf(table, "--sort", name);
-        if (!col) {
-            return false;
-        }
-        wish.keys.push_back(*col);
-    }
-    return true;
+    auto keys = columnsOf(table, "--sort", options.sort);
+    wish.keys = keys.value_or(std::vector<unsigned>{});
+    return keys.has_value();
 }
 
 bool takeUnique(oledb& table, const SelectionOptions& options, Wish& wish) {
@@ -143,13 +138,6 @@ bool takeColumns(oledb& table, const SelectionOptions& options, Wish& wish) {
 }
 
 // -- selecting
-
-/// A new view warns about every field that it cannot name in its specification; none is needed
-/// here.
-ODBView emptyView(oledb& table) {
-    const ModuleSilence silence;
-    return ODBView{&table};
-}
 
 /// The tagged rows of a view. Taking the others out of it would move all that follows at each gap.
 ODBView taggedRows(oledb& table, ODBViewRep& view) {
@@ -227,8 +215,17 @@ ODBView selectRows(oledb& table, const Wish& wish, const SelectionOptions& optio
 
 } // namespace
 
-void addSelectionOptions(CLI::App& command, SelectionOptions& options) {
-    const std::string group = selectionGroup;
+bool SelectionOptions::narrows() const {
+    return tagged || limit || !unique.empty() || !where.empty();
+}
+
+/// A new view warns about every field that it cannot name in its specification; none is needed.
+ODBView emptyView(oledb& table) {
+    const ModuleSilence silence;
+    return ODBView{&table};
+}
+
+void addRowOptions(CLI::App& command, SelectionOptions& options) {
     command
         .add_option("--where", options.where,
                     "Only rows whose field holds the pattern, wherever it stands and in any case; "
@@ -237,30 +234,34 @@ void addSelectionOptions(CLI::App& command, SelectionOptions& options) {
                     "holds it")
         ->allow_extra_args(false)
         ->type_name("FIELD=PATTERN")
-        ->group(group);
+        ->group(selectionGroup);
     command
         .add_option("--sort", options.sort, "In the order of these fields; empty values come last")
         ->type_name("FIELD[,FIELD...]")
-        ->group(group);
+        ->group(selectionGroup);
     command.add_flag("--descending", options.descending, "Sort from the last to the first")
-        ->group(group);
+        ->group(selectionGroup);
+    command
+        .add_option("--unique", options.unique,
+                    "Only the first row of each value of a field, ignoring case")
+        ->type_name("FIELD")
+        ->group(selectionGroup);
+    command.add_flag("--tagged", options.tagged, "Only rows with a tag in the field Tag")
+        ->group(selectionGroup);
+    command.add_option("--limit", options.limit, "At most so many rows")
+        ->check(CLI::Range(0, INT_MAX).description(""))
+        ->type_name("N")
+        ->group(selectionGroup);
+}
+
+void addSelectionOptions(CLI::App& command, SelectionOptions& options) {
+    addRowOptions(command, options);
     command
         .add_option("--fields", options.fields,
                     "These fields, in this order; -C leaves C out, of all where no others are "
                     "named")
         ->type_name("A,B,-C")
-        ->group(group);
-    command
-        .add_option("--unique", options.unique,
-                    "Only the first row of each value of a field, ignoring case")
-        ->type_name("FIELD")
-        ->group(group);
-    command.add_flag("--tagged", options.tagged, "Only rows with a tag in the field Tag")
-        ->group(group);
-    command.add_option("--limit", options.limit, "At most so many rows")
-        ->check(CLI::Range(0, INT_MAX).description(""))
-        ->type_name("N")
-        ->group(group);
+        ->group(selectionGroup);
 }
 
 std::optional<Selection> select(oledb& table, const SelectionOptions& options) {
@@ -269,8 +270,7 @@ std::optional<Selection> select(oledb& table, const SelectionOptions& options) {
         !takeUnique(table, options, wish) || !takeColumns(table, options, wish)) {
         return std::nullopt;
     }
-    const bool narrowed =
-        options.tagged || options.limit || wish.unique || !wish.conditions.empty();
     ODBView rows = selectRows(table, wish, options);
-    return Selection{std::move(rows), std::move(wish.columns.shown), wish.columns.named, narrowed};
+    return Selection{std::move(rows), std::move(wish.columns.shown), wish.columns.named,
+                     options.narrows()};
 }

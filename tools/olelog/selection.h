@@ -21,6 +21,8 @@ struct SelectionOptions {
     std::string unique;
     bool tagged = false;
     std::optional<int> limit;
+
+    [[nodiscard]] bool narrows() const; ///< whether rows may be left out
 };
 
 /// The rows and columns that were asked for. The table must outlive it.
@@ -38,7 +40,13 @@ struct Selection {
 /// The group under which the help of a command lists the options of a selection.
 inline constexpr const char* selectionGroup = "Selection";
 
-/// Adds the options of a selection to a command.
+/// A view on a table, of no rows yet.
+ODBView emptyView(oledb& table);
+
+/// Adds the options that choose rows to a command.
+void addRowOptions(CLI::App& command, SelectionOptions& options);
+
+/// Adds all options of a selection to a command.
 void addSelectionOptions(CLI::App& command, SelectionOptions& options);
 
 /// Selects through a view; the table stays as it is, but for its sort key. Says what is wrong where

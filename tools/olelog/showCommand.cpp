@@ -156,5 +156,6 @@ void addShowCommand(CLI::App& app, Task& task) {
         ->check(CLI::Range(1, widestTable).description(""))
         ->type_name("N");
     addSelectionOptions(*command, options->selection);
+    addExample(*command, "olelog show day-12.odb --where Scene=31 --fields Name,Reel,Notes");
     command->callback([options, &task] { task = [options] { return runShow(*options); }; });
 }

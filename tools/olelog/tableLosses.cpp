@@ -30,6 +30,14 @@ std::size_t lineBytes(const dbrecord& row) {
     return bytes;
 }
 
+unsigned short longestField(const dbrecord& row) {
+    unsigned short longest = 0;
+    for (unsigned short i = 1; i < row.nfields(); ++i) {
+        longest = row.getField(i).size() > row.getField(longest).size() ? i : longest;
+    }
+    return longest;
+}
+
 /// What the format does to a value; a line feed would otherwise be printed like a backslash and n.
 std::string_view whatHappens(std::string_view before, std::string_view after) {
     const auto lineFeeds = [](std::string_view text) {
@@ -46,12 +54,15 @@ std::string_view whatHappens(std::string_view before, std::string_view after) {
 
 } // namespace
 
-std::string whyUnsavable(const dbrecord& row) {
+std::string whyUnsavable(oledb& table, unsigned number) {
+    const dbrecord& row = *table.get_record(number);
     const std::size_t bytes = lineBytes(row);
     if (bytes > longestLine) {
+        const unsigned short col = longestField(row);
         return fmt::format("the row needs a line of {} bytes, and a table file's lines end at {}; "
-                           "shorten its values or import fewer columns",
-                           bytes, longestLine);
+                           "shorten its values (the longest is that of {}, with {} bytes) or take "
+                           "fewer columns",
+                           bytes, longestLine, table.get_fieldname(col), row.getField(col).size());
     }
     if (Tarn::trimmed(row.getField(0).view()) == "OLEDB") {
         return "the row's first value is \"OLEDB\", which in a table file begins a header; change "
@@ -105,10 +116,10 @@ void tellChangedValues(oledb& saved, const oledb& loaded, const RowOrigins& orig
 
 } // namespace
 
-bool tellUnsavableRows(const oledb& table, const RowOrigins& origins) {
+bool tellUnsavableRows(oledb& table, const RowOrigins& origins) {
     Findings findings;
     for (unsigned row = 0; row < table.get_num_records(); ++row) {
-        const std::string why = whyUnsavable(*table.get_record(row));
+        const std::string why = whyUnsavable(table, row);
         if (!why.empty()) {
             findings.tell(origins.of(row) + ": " + why);
         }

@@ -6,11 +6,10 @@
 #include <string>
 #include <string_view>
 
-class dbrecord;
 class oledb;
 
 /// Why a row cannot be kept in a table file; empty where it can.
-std::string whyUnsavable(const dbrecord& row);
+std::string whyUnsavable(oledb& table, unsigned number);
 
 /// "a" comes back from a table file as "b", and why.
 std::string howItChanges(std::string_view before, std::string_view after);
@@ -27,7 +26,7 @@ using ParameterChange = std::function<void(const ChangedParameter& change)>;
 void forChangedParameters(const oledb& saved, const oledb& loaded, const ParameterChange& tell);
 
 /// Says which rows cannot be kept in a table file, and why; returns whether there are any.
-bool tellUnsavableRows(const oledb& table, const RowOrigins& origins);
+bool tellUnsavableRows(oledb& table, const RowOrigins& origins);
 
 /// Why a table that was loaded back has not the columns and rows of the one that was saved; empty
 /// where it has.

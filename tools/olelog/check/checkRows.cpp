@@ -54,7 +54,7 @@ void checkShiftedRows(const CheckedLog& log, FindingList& findings) {
 void checkSavableRows(const CheckedLog& log, FindingList& findings) {
     bool any = false;
     for (unsigned row = 0; row < log.report().rowLines.size(); ++row) {
-        const std::string why = whyUnsavable(*log.imported().get_record(row));
+        const std::string why = whyUnsavable(log.imported(), row);
         if (!why.empty()) {
             findings.add(finding::rowTooLong, log.number(log.report().rowLines[row]),
                          "no table can be saved: " + why);

@@ -1,0 +1,185 @@
+"""Commands that change a table file, against the same change made here, and what they leave alone."""
+
+import os
+import resource
+import stat
+
+import pytest
+from olelog import csv_rows, expect, leftovers, messages, run, write_log, write_table
+from test_selection import CHOICES, COLUMNS, ROWS, TYPES, chosen, options
+
+
+@pytest.fixture
+def table(tmp_path):
+    return write_table(tmp_path / "t.odb", COLUMNS, [list(row.values()) for row in ROWS], ["OLEDB:Rev 1", "FPS:24"], TYPES)
+
+
+def saved(rows):
+    return [row | {"Tag": row["Tag"] or "0"} for row in rows]
+
+
+@pytest.mark.parametrize("keys", [["Scene", "Shot"], ["Start time", "Name"], ["a,b"]])
+@pytest.mark.parametrize("descending", [False, True])
+def test_sort(tmp_path, table, keys, descending):
+    wanted = saved(chosen(ROWS, keys=keys, descending=descending))
+    words = ["--by", ",".join(keys).upper(), *["--descending"] * descending]
+    assert "in another place" in expect(0, "sort", table, *words)
+    assert csv_rows(table) == wanted
+    before = table.stat()
+    assert "in this order already" in expect(0, "sort", table, *words)
+    assert table.stat().st_ino == before.st_ino
+
+
+WAYS = {
+    "": lambda tagged, chosen: chosen,
+    "--add": lambda tagged, chosen: tagged or chosen,
+    "--clear": lambda tagged, chosen: tagged and not chosen,
+    "--invert": lambda tagged, chosen: tagged != chosen,
+}
+
+
+@pytest.mark.parametrize("way", WAYS)
+@pytest.mark.parametrize("choice", CHOICES[1:8] + CHOICES[14:19], ids=str)
+def test_tag(table, way, choice):
+    names = {row["Name"] for row in chosen(ROWS, **choice)}
+    wanted = []
+    for row in ROWS:
+        stays = WAYS[way](row["Tag"] in ("1", "7"), row["Name"] in names)
+        wanted.append(row | {"Tag": (row["Tag"] if row["Tag"] in ("1", "7") else "1") if stays else "0"})
+    if not any(choice.get(k) for k in ("where", "tagged", "limit", "unique")) and way in ("", "--add"):
+        assert "which rows?" in expect(2, "tag", table, *way.split(), *options(**choice))
+        return
+    said = expect(0, "tag", table, *way.split(), *options(**choice))
+    assert csv_rows(table) == wanted or "0 got a tag, 0 lost it" in said and csv_rows(table) == ROWS
+    tagged = sum(row["Tag"] != "0" for row in wanted)
+    assert f"t.odb: {tagged} of 120 rows tagged; " in said
+    assert len(csv_rows(table)) == 120 and run("show", table, "--tagged").stdout.count(b"\n") == (tagged + 2 if tagged else 0)
+
+
+def test_tag_makes_its_column(tmp_path):
+    table = write_table(tmp_path / "t.odb", ["A"], [["x"], ["y"]])
+    before = table.read_bytes()
+    for code, words in [(0, ["--clear"]), (1, ["--where", "A=z"]), (2, []), (2, ["--all", "--clear"]), (2, ["--where", "B=z"])]:
+        expect(code, "tag", table, *words)
+        assert table.read_bytes() == before
+    expect(0, "tag", table, "--where", "A=y")
+    assert csv_rows(table) == [{"A": "x", "Tag": "0"}, {"A": "y", "Tag": "1"}]
+    expect(0, "tag", table, "--invert")
+    expect(0, "tag", table, "--all")
+    assert [row["Tag"] for row in csv_rows(table)] == ["1", "1"]
+    full = write_table(tmp_path / "full.odb", [f"c{i}" for i in range(255)], [["x"] * 255] * 2)
+    for words in (["tag", full, "--all"], ["dedupe", full, "--by", "c1", "--tag-only"]):
+        assert "no room" in expect(3, *words)
+
+
+@pytest.mark.parametrize("by, words", [(["Scene"], []), (["Scene", "Shot"], []), (["Scene"], ["--empty"]), (["a,b"], [])])
+def test_dedupe(tmp_path, table, by, words):
+    seen, kept = set(), []
+    for row in ROWS:
+        key = tuple(row[field].lower() for field in by)
+        if key not in seen or not any(key) and not words:
+            kept.append(row)
+        seen.add(key)
+    expect(0, "dedupe", table, "--by", ",".join(by), *words, "--tag-only", "-o", tmp_path / "tagged.odb")
+    assert [row["Name"] for row in csv_rows(tmp_path / "tagged.odb") if row["Tag"] == "0"] == [row["Name"] for row in kept]
+    said = expect(0, "dedupe", table, "--by", ",".join(by), *words)
+    assert f"120 rows, {120 - len(kept)} removed" in said and csv_rows(table) == saved(kept)
+    told = [row["Name"] for row in ROWS if row not in kept][:20]
+    assert [line.split('"')[1] for line in said.splitlines() if ": equals row " in line] == told
+    assert ", 0 removed" in expect(0, "dedupe", table, "--by", ",".join(by), *words)
+
+
+def test_merge(tmp_path):
+    """Fills what is missing, adds what matches nothing, converts timecodes, overwrites nothing."""
+    columns, types = ["Name", "Reel", "Notes", "Start time", "Tag"], ["text", "text", "text", "timecode", "long"]
+    rows = [["a", "R1", "", "01:00:00:00", "1"], ["A", "", "", "", ""], ["", "R9", "", "", ""], ["b", "R2", "no", "", ""]]
+    table = write_table(tmp_path / "t.odb", columns, rows, types=types)
+    other = [["A", "R1", "yes", "01000005", "x"], ["b", "R3", "no", "", "x"], ["", "R9", "n", "", ""], ["new", "R4", "", "odd", ""]]
+    write_table(tmp_path / "o.odb", ["NAME", "Reel", "notes", "start time", "Lens"], other, types=["text"] * 3 + ["timecode_s", "text"])
+    said = expect(1, "merge", table, tmp_path / "o.odb", "--by", "name")
+    got = [list(row.values()) for row in csv_rows(table)]
+    assert got == [
+        ["a", "R1", "yes", "01:00:00:00", "1"],
+        ["A", "R1", "yes", "01:00:00:05", "0"],
+        ["", "R9", "", "", "0"],
+        ["b", "R2", "no", "", "0"],
+        ["", "R9", "n", "", "0"],
+        ["new", "R4", "", "", "0"],
+    ]
+    for part in (
+        "1 column dropped, which the table has no field for: Lens",
+        'row 4: Start time: "odd" is no timecode',
+        'row 1: Start time: "01:00:00:00" stays; row 1 of',
+        'row 4: Reel: "R2" stays; row 2 of',
+        "2 added, 2 matched; 4 values filled in, 2 differ and stay",
+    ):
+        assert part in said, said
+    everything = write_table(tmp_path / "t.odb", columns, rows, types=types)
+    expect(1, "merge", everything, tmp_path / "o.odb")
+    assert [row["Name"] for row in csv_rows(everything)] == ["a", "A", "", "b", "A", "b", "", "new"]
+    expect(3, "merge", everything, write_table(tmp_path / "q.odb", ["Q"], [["x"]]))
+    assert "has no field" in expect(2, "merge", everything, tmp_path / "q.odb", "--by", "Name")
+
+
+COMMANDS = [["sort", "--by", "Scene"], ["tag", "--all"], ["dedupe", "--by", "Scene"], ["merge", "o.odb"]]
+
+
+def call(table, command, *words):
+    return [command[0], table, *command[1:], *words]
+
+
+@pytest.mark.parametrize("command", COMMANDS, ids=lambda c: c[0])
+def test_files_are_replaced_whole_or_left_alone(tmp_path, table, command):
+    write_table(tmp_path / "o.odb", ["Name"], [["n"]])
+    os.symlink("t.odb", tmp_path / "link.odb")
+    table.chmod(0o640)
+    before, names = table.read_bytes(), sorted(p.name for p in tmp_path.iterdir())
+    at = {"cwd": tmp_path}
+    assert "nothing was written (--dry-run)" in expect(0, *call("link.odb", command, "--dry-run"), **at)
+
+    def limit():
+        resource.setrlimit(resource.RLIMIT_FSIZE, (1024, 1024))
+
+    assert "File too large" in expect(3, *call("t.odb", command), preexec_fn=limit, **at)
+    assert "No such file" in expect(3, *call("t.odb", command, "-o", "no/x.odb"), **at)
+    write_log(tmp_path / "log.ale", ["Name"], [["n"]])
+    assert "is no table" in expect(2, *call("t.odb", command, "-o", "log.ale"), **at)
+    os.remove(tmp_path / "log.ale")
+    piped = run(*call("-", command), stdin=before, **at)
+    assert table.read_bytes() == before and sorted(p.name for p in tmp_path.iterdir()) == names
+    expect(0, *call("link.odb", command), **at)
+    assert table.read_bytes() == piped.stdout != before and stat.S_IMODE(table.stat().st_mode) == 0o640
+    assert sorted(p.name for p in tmp_path.iterdir()) == names
+    table.write_bytes(before + b'"short"\r\n')
+    assert "would be lost" in expect(3, *call("t.odb", command), **at)
+    assert table.read_bytes() == before + b'"short"\r\n'
+    expect(1, *call("t.odb", command, "-o", "new.odb"), **at)
+    assert (tmp_path / "new.odb").read_bytes() == piped.stdout
+
+
+def test_strict_writes_nothing_that_would_change(tmp_path):
+    log = write_log(tmp_path / "a.ale", ["Name", "Notes", "Tag"], [["A", "x\\ny", ""], ["B", "", "maybe"]])
+    for words in ([], ["--append"]):
+        said = expect(3, "import", log, "-o", tmp_path / "a.odb", "--strict", *words)
+        assert 'a.ale:10: Notes: "x\\ny"' in said and 'a.ale:11: Tag: "maybe" is no tag' in said and "--strict" in said
+    assert sorted(p.name for p in tmp_path.iterdir()) == ["a.ale"]
+    odd = write_log(tmp_path / "b.ale", ["Name", 'a "b"'], [["A", "x"]])
+    expect(3, "import", odd, "-o", tmp_path / "b.odb", "--all-columns", "--strict")
+    expect(1, "import", odd, "-o", tmp_path / "b.odb", "--all-columns")
+    table = write_table(tmp_path / "t.odb", ["A", "Tag"], [["b", "maybe"], ["a", ""]])
+    before = table.read_bytes()
+    for command in (["sort", "--by", "A"], ["dedupe", "--by", "Tag", "--empty"], ["tag", "--add", "--where", "A=a"]):
+        said = expect(3 if command[0] != "dedupe" else 0, *call(table, command, "--strict"))
+        assert table.read_bytes() == before
+    expect(3, "save", table, "-o", tmp_path / "s.odb", "--strict")
+    assert not (tmp_path / "s.odb").exists()
+    expect(1, "sort", table, "--by", "A")
+    assert [list(row.values()) for row in csv_rows(table)] == [["a", "0"], ["b", "0"]] and leftovers(tmp_path) == []
+
+
+def test_row_that_grows_too_long(tmp_path):
+    """A tag more, and the line passes what can be read back."""
+    table = write_table(tmp_path / "t.odb", ["A", "B"], [["x", "y" * 4086], ["y", ""]])
+    before = table.read_bytes()
+    assert "row 1: the row needs a line of 4096 bytes" in (said := expect(3, "tag", table, "--where", "A=y")), said
+    assert "the longest is that of B, with 4086" in said and table.read_bytes() == before

@@ -1,0 +1,98 @@
+// Changing a table file: read, change, save beside, rename. Nothing is written where nothing
+// changed, or where part of the file could not be read and would be lost.
+
+#include "TableEdit.h"
+
+#include "checkedSave.h"
+#include "files.h"
+#include "messages.h"
+#include "tableFile.h"
+
+#include <CLI/CLI.hpp>
+#include <string_view>
+
+namespace {
+
+bool isOverInput(const EditOptions& options) {
+    return options.output.empty() || (options.file != "-" && options.output != "-" &&
+                                      isSameFile(options.file, options.output));
+}
+
+const std::string& targetOf(const EditOptions& options) {
+    return options.output.empty() ? options.file : options.output;
+}
+
+std::string_view nameOf(const std::string& target) {
+    return target == "-" ? std::string_view{"standard output"} : target;
+}
+
+bool stops(const EditOutcome& outcome) {
+    return outcome.code != exitFine && outcome.code != exitFindings;
+}
+
+/// A table elsewhere, or on standard output, is wanted also where nothing changed.
+bool leavesFileAlone(const EditOptions& options, const EditOutcome& outcome) {
+    return !outcome.changed && isOverInput(options) && options.file != "-";
+}
+
+int save(oledb& table, const EditOptions& options) {
+    showProgress(fmt::format("writing {} ...", targetOf(options)));
+    const int code = saveChecked(table, targetOf(options), {},
+                                 {.strict = options.strict, .dryRun = options.dryRun});
+    clearProgress();
+    return code;
+}
+
+int finish(oledb& table, const EditOptions& options, const EditOutcome& outcome) {
+    const bool alone = leavesFileAlone(options, outcome);
+    const int code = alone ? exitFine : save(table, options);
+    if (code == exitFailure) {
+        return code;
+    }
+    if (!outcome.summary.empty()) {
+        const bool said = options.dryRun && !alone;
+        say("{}: {}{}", nameOf(targetOf(options)), outcome.summary,
+            said ? "; nothing was written (--dry-run)" : "");
+    }
+    return outcome.code == exitFine ? code : outcome.code;
+}
+
+} // namespace
+
+void addEditOptions(CLI::App& command, EditOptions& options) {
+    command
+        .add_option("TABLE", options.file,
+                    "A table file; - is standard input, and the result goes to "
+                    "standard output")
+        ->required()
+        ->type_name("");
+    command
+        .add_option("-o,--output", options.output,
+                    "Write the result here and leave TABLE as it is; - is standard output")
+        ->type_name("OUT");
+    command.add_flag("--dry-run", options.dryRun, "Tell what would change, and change nothing");
+    addStrictOption(command, options.strict);
+}
+
+int runEdit(const EditOptions& options, const Edit& edit) {
+    if (!isOverInput(options) && isForeignFile(options.output)) {
+        say("{} exists and is no table", options.output);
+        return exitUsage;
+    }
+    const auto file = InputFile::open(options.file);
+    const LoadedTable loaded = file ? loadTable(*file) : LoadedTable{};
+    if (!loaded.table) {
+        return exitFailure;
+    }
+    if (isOverInput(options) && !loaded.whole) {
+        say("{}: not written, for what could not be read would be lost; -o OUT takes the rest",
+            file->name());
+        return exitFailure;
+    }
+    const EditOutcome outcome = edit(*loaded.table);
+    if (stops(outcome)) {
+        return outcome.code;
+    }
+    const int code = finish(*loaded.table, options, outcome);
+    return code == exitFine && !loaded.whole ? exitFindings : code;
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Command.h"
+
+#include <functional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+class oledb;
+
+/// The options of every command that changes a table file.
+struct EditOptions {
+    std::string file;
+    std::string output; ///< empty: the file itself
+    bool dryRun = false;
+    bool strict = false;
+};
+
+/// What a command did to a table in memory.
+struct EditOutcome {
+    int code = exitFine;   ///< wrong usage and failures end the command; findings do not
+    bool changed = false;  ///< otherwise the file stays as it is
+    std::string summary{}; ///< said at the end; empty where all has been said
+};
+
+using Edit = std::function<EditOutcome(oledb& table)>;
+
+void addEditOptions(CLI::App& command, EditOptions& options);
+
+/// Reads the table, changes it, saves it over itself or elsewhere, checked as always, and tells
+/// what became of it. Returns the tool's exit code.
+int runEdit(const EditOptions& options, const Edit& edit);

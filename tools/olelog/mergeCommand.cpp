@@ -1,0 +1,226 @@
+// olelog merge: the rows of another table into a table.
+//
+// The other table's rows are first brought into this one's columns by the module, which converts
+// timecodes. Rows that match by key fill in what is missing; nothing that stands is written over.
+// The others are added behind.
+
+#include "Command.h"
+#include "fieldNames.h"
+#include "files.h"
+#include "messages.h"
+#include "ole/oledb/oledb.h"
+#include "rowKey.h"
+#include "shownText.h"
+#include "TableEdit.h"
+#include "tableFile.h"
+#include "tableValues.h"
+
+#include <algorithm>
+#include <CLI/CLI.hpp>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct MergeOptions {
+    EditOptions edit;
+    std::string other;
+    std::string by;
+};
+
+class Merge {
+public:
+    Merge(oledb& table, oledb& other, std::string otherName)
+        : table_{table}, other_{other}, taken_{table, 0}, otherName_{std::move(otherName)} {}
+
+    /// Brings the other rows into this table's columns; false where none is shared.
+    bool take() {
+        if (taken_.merge_all_matching(&other_) == 0) {
+            say("{}: shares no column with the table", otherName_);
+            return false;
+        }
+        tellColumnsNotTaken();
+        tellValuesNotTaken();
+        return true;
+    }
+
+    bool setKeys(const std::vector<unsigned>& keys) {
+        for (const unsigned key : keys) {
+            const char* const name = table_.get_fieldname(key);
+            if (other_.get_fieldnum(name) < 0) {
+                say("--by: {} has no field {}", otherName_, inQuotes(name));
+                return false;
+            }
+        }
+        keys_ = keys;
+        return true;
+    }
+
+    EditOutcome run() {
+        if (!keys_.empty()) {
+            fillMatches();
+        }
+        differences_.close();
+        const unsigned rows = taken_.get_num_records();
+        const int matched = taken_.delete_tagged_records();
+        const unsigned added = taken_.get_num_records();
+        table_.merge_all_matching(&taken_);
+        const bool lossless = !differences_.any() && !unread_.any();
+        return {.code = lossless ? exitFine : exitFindings,
+                .changed = added != 0 || filled_ != 0,
+                .summary = fmt::format("of {} in {}, {} added, {} matched; {} filled in{}",
+                                       counted(rows, "row"), otherName_, added, matched,
+                                       counted(filled_, "value"), differing())};
+    }
+
+private:
+    using Matches = std::multimap<std::string, unsigned>;
+
+    /// Of two columns with one name only one is reached by it.
+    void tellColumnsNotTaken() {
+        std::set<int> reached;
+        for (unsigned col = 0; col < table_.get_num_fields(); ++col) {
+            reached.insert(other_.get_fieldnum(table_.get_fieldname(col)));
+        }
+        std::vector<std::string> names;
+        for (unsigned col = 0; col < other_.get_num_fields(); ++col) {
+            if (!reached.contains(static_cast<int>(col)) && countFilled(other_, col) != 0) {
+                names.emplace_back(other_.get_fieldname(col));
+            }
+        }
+        if (!names.empty()) {
+            say("{}: {} dropped, which the table has no field for: {}", otherName_,
+                counted(names.size(), "column"), listed(names));
+        }
+    }
+
+    /// A value that is no timecode does not go from one form of timecodes to the other.
+    void tellValuesNotTaken() {
+        for (unsigned col = 0; col < table_.get_num_fields(); ++col) {
+            const int from = other_.get_fieldnum(table_.get_fieldname(col));
+            for (unsigned row = 0; from >= 0 && row < other_.get_num_records(); ++row) {
+                const auto before = valueOf(other_, row, static_cast<unsigned>(from));
+                if (!before.empty() && valueOf(taken_, row, col).empty()) {
+                    unread_.tell(fmt::format("{}: row {}: {}: {} is no timecode and is dropped",
+                                             otherName_, row + 1, table_.get_fieldname(col),
+                                             inQuotes(before)));
+                }
+            }
+        }
+        unread_.close();
+    }
+
+    [[nodiscard]] Matches rowsByKey() const {
+        Matches rows;
+        for (unsigned row = 0; row < table_.get_num_records(); ++row) {
+            rows.emplace(rowKey(table_, row, keys_), row);
+        }
+        return rows;
+    }
+
+    /// Tags the rows that find a match. Without a value in any key there is none.
+    void fillMatches() {
+        const Matches rows = rowsByKey();
+        for (unsigned from = 0; from < taken_.get_num_records(); ++from) {
+            const std::string key = rowKey(taken_, from, keys_);
+            const auto [first, behind] = rows.equal_range(key);
+            taken_.set_tag(from, !key.empty() && first != behind ? 1 : 0);
+            for (auto match = first; !key.empty() && match != behind; ++match) {
+                fill(match->second, from);
+            }
+        }
+    }
+
+    void fill(unsigned row, unsigned from) {
+        for (unsigned col = 0; col < table_.get_num_fields(); ++col) {
+            const std::string_view offered = valueOf(taken_, from, col);
+            const std::string_view held = valueOf(table_, row, col);
+            if (offered.empty() || held == offered || !isCompared(col)) {
+                continue;
+            }
+            if (held.empty()) {
+                table_.set_field(row, col, offered.data());
+                ++filled_;
+                continue;
+            }
+            ++differing_;
+            differences_.tell(fmt::format("row {}: {}: {} stays; row {} of {} has {}", row + 1,
+                                          table_.get_fieldname(col), inQuotes(held), from + 1,
+                                          otherName_, inQuotes(offered)));
+        }
+    }
+
+    /// A row's tags are its table's own, and keys are equal but for their case.
+    [[nodiscard]] bool isCompared(unsigned col) const {
+        return static_cast<int>(col) != table_.get_fieldnum("Tag") &&
+               std::find(keys_.begin(), keys_.end(), col) == keys_.end();
+    }
+
+    [[nodiscard]] std::string differing() const {
+        return differing_ == 0
+                   ? ""
+                   : fmt::format(", {} and {} as before", counted(differing_, "differs", "differ"),
+                                 differing_ == 1 ? "stays" : "stay");
+    }
+
+    oledb& table_;
+    oledb& other_;
+    oledb taken_; // the other's rows in this table's columns, tagged where they match
+    std::string otherName_;
+    std::vector<unsigned> keys_;
+    Findings differences_;
+    Findings unread_;
+    std::size_t filled_ = 0;
+    std::size_t differing_ = 0;
+};
+
+EditOutcome mergeTables(oledb& table, oledb& other, const std::string& otherName,
+                        const MergeOptions& options) {
+    Merge merge{table, other, otherName};
+    if (!options.by.empty()) {
+        const auto keys = columnsOf(table, "--by", options.by);
+        if (!keys || !merge.setKeys(*keys)) {
+            return {.code = exitUsage};
+        }
+    }
+    return merge.take() ? merge.run() : EditOutcome{.code = exitFailure};
+}
+
+int runMerge(const MergeOptions& options) {
+    if (options.edit.file == "-" && options.other == "-") {
+        sayLine("standard input can be read only once");
+        return exitUsage;
+    }
+    const auto file = InputFile::open(options.other);
+    const LoadedTable other = file ? loadTable(*file) : LoadedTable{};
+    if (!other.table) {
+        return exitFailure;
+    }
+    const int code = runEdit(options.edit, [&](oledb& table) {
+        return mergeTables(table, *other.table, file->name(), options);
+    });
+    return code == exitFine && !other.whole ? exitFindings : code;
+}
+
+} // namespace
+
+void addMergeCommand(CLI::App& app, Task& task) {
+    auto options = std::make_shared<MergeOptions>();
+    CLI::App* const command =
+        app.add_subcommand("merge", "Add the rows of another table to a table file");
+    addEditOptions(*command, options->edit);
+    command->add_option("OTHER", options->other, "The table whose rows are taken")
+        ->required()
+        ->type_name("");
+    command
+        ->add_option("--by", options->by,
+                     "Rows that are equal in these fields, ignoring case, are not added: they fill "
+                     "the empty values of their matches; values that differ stay and are told")
+        ->type_name("FIELD[,FIELD...]");
+    addExample(*command, "olelog save day-12.odb -o prints.odb --where Notes=print\n"
+                         "olelog merge day-12.odb prints.odb --by Name --dry-run");
+    command->callback([options, &task] { task = [options] { return runMerge(*options); }; });
+}

@@ -92,6 +92,7 @@ FINDINGS = [
     (b"\xef\xbb\xbf" + CLEAN, [("byte-order-mark", 1)]),
     (CLEAN.decode().encode("latin-1"), [("encoding", 12)]),
     (CLEAN.replace(b"\n", b"\r\n", 3), [("mixed-line-ends", 4)]),
+    (CLEAN.replace(b"\n", b"\r\n")[:-1], [("mixed-line-ends", 12)]),
     (with_heading("Column count\t7"), [("section-line", 2), ("unread-line", 4)]),
     (log_text(["Name", "Lens", "Lens"], [["A", "1", "2"]]), [("column-without-field", 7), ("duplicate-title", 7)]),
     (with_rows(["x", "V", "01:00:30:00"]), [("too-few-values", 13)]),
@@ -374,3 +375,9 @@ def test_any_bytes_are_taken_for_what_they_are(tmp_path, seed):
             assert run("import", tmp_path / "m.ale", "-o", tmp_path / "t.odb").returncode != 3 or (
                 b"row-too-long" in result.stdout
             ), text
+
+
+def test_title_for_a_surplus_value_leaves_other_rows_whole(tmp_path):
+    check(tmp_path, with_rows([*row(), "x"]), "--fix", tmp_path / "m.ale")
+    left = check(tmp_path, (tmp_path / "m.ale").read_bytes())["findings"]
+    assert [(f["code"], f["columns"]) for f in left] == [("column-without-field", ["Column 8"])]

@@ -122,7 +122,7 @@ void FieldMap::appendField(unsigned field, bool visible) {
 }
 
 int FieldMap::fieldNumber(int i) const {
-    return source_ ? source_->get_fieldnum(names_[at(i)].c_str()) : -1;
+    return source_ && source_->source() ? source_->get_fieldnum(names_[at(i)].c_str()) : -1;
 }
 
 LightweightString<char> FieldMap::asString() const {

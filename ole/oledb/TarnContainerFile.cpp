@@ -182,7 +182,7 @@ void TarnContainerFile::Writer::setPermanent(bool permanent) {
 }
 
 void TarnContainerFile::Writer::save(const LightweightString<wchar_t>& path) {
-    if (!fileExists(path)) {
+    if (!OS().isRegularFile(path)) { // nothing to replace, or a device or pipe
         table_.set_filename(path);
         table_.save_text();
         return;
@@ -197,6 +197,9 @@ void TarnContainerFile::Writer::save(const LightweightString<wchar_t>& path) {
     // Saving leaves a whole file or none, so what stands there decides. The move replaces in one
     // step: a crash never finds both names empty.
     if (fileExists(beside)) {
-        OS().moveFile(beside, path, 1);
+        OS().copyPermissions(path, beside);
+        if (!OS().moveFile(beside, path, 1)) {
+            OS().removeFile(beside);
+        }
     }
 }

@@ -124,8 +124,8 @@ public:
     /// written to path.tmp first: where that fails, the old file stays as it was and nothing is
     /// left beside it. Another file at path.tmp is removed before, though only when there is a file
     /// at `path`: without one it may hold what an interrupted save left, and it stays. The new file
-    /// has the permissions of any new file, and takes the place of a symbolic link. There is no
-    /// result; to make sure, read the file. Linear in the items.
+    /// has the old one's permissions, and takes the place of a symbolic link. Devices and pipes are
+    /// written directly. There is no result; to make sure, read the file. Linear in the items.
     void save(const LightweightString<wchar_t>& path);
 
 private:

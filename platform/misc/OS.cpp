@@ -7,6 +7,7 @@
 #include "misc/OS.h"
 
 #include "tarn/StringFunctions.h"
+#include "tarn/systemFile.h"
 
 #include <cerrno>
 #include <cstddef>
@@ -70,6 +71,27 @@ void* OperatingSystem::reallocate(void* block, std::size_t bytes) {
 bool OperatingSystem::removeFile(const LightweightString<wchar_t>& path) noexcept {
     try {
         return unlink(pathToBytes(path).c_str()) == 0;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+bool OperatingSystem::isRegularFile(const LightweightString<wchar_t>& path) noexcept {
+    try {
+        struct stat found {};
+        return stat(pathToBytes(path).c_str(), &found) == 0 && S_ISREG(found.st_mode);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+bool OperatingSystem::copyPermissions(const LightweightString<wchar_t>& from,
+                                      const LightweightString<wchar_t>& to) noexcept {
+    try {
+        struct stat model {};
+        const FileDescriptor file = openFile(pathToBytes(to).c_str(), O_RDONLY);
+        return file.isOpen() && stat(pathToBytes(from).c_str(), &model) == 0 &&
+               Tarn::copyPermissions(file.get(), model);
     } catch (const std::bad_alloc&) {
         return false;
     }

@@ -16,6 +16,12 @@ public:
     void* reallocate(void* block, std::size_t bytes);
     /// Removes a file, not a folder; false when that fails, also when there is none.
     bool removeFile(const LightweightString<wchar_t>& path) noexcept;
+    /// Whether a regular file stands at the path, or where a link there leads to.
+    bool isRegularFile(const LightweightString<wchar_t>& path) noexcept;
+    /// Gives a file the permissions of another, and its owner where the system lets us; false when
+    /// that fails.
+    bool copyPermissions(const LightweightString<wchar_t>& from,
+                         const LightweightString<wchar_t>& to) noexcept;
     /// Moves a file within a file system; false when that fails. With `replace` 0 an existing file
     /// at `to` is left alone and the result is false; otherwise it is replaced in one step.
     bool moveFile(const LightweightString<wchar_t>& from, const LightweightString<wchar_t>& to,

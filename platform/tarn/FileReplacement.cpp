@@ -77,18 +77,6 @@ std::string siblingName() {
     return name;
 }
 
-/// Gives a new file the owner, where the system lets us, and the permissions of the old one.
-bool copyPermissions(int file, const struct stat& old) noexcept {
-    struct stat fresh {};
-    if (fstat(file, &fresh) != 0) {
-        return false;
-    }
-    const bool foreign = fresh.st_uid != old.st_uid || fresh.st_gid != old.st_gid;
-    const bool given = !foreign || fchown(file, old.st_uid, old.st_gid) == 0;
-    // A file that stays with another owner must not carry that owner's set-id bits.
-    return fchmod(file, old.st_mode & (given ? 07777 : 0777)) == 0;
-}
-
 } // namespace
 
 FileReplacement::FileReplacement(const char* path, bool flush) : flush_{flush}, ok_{open(path)} {}

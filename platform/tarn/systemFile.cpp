@@ -112,4 +112,15 @@ bool flushFolder(const char* path) noexcept {
     return folder.isOpen() ? flushFile(folder.get()) : errno == EACCES;
 }
 
+bool copyPermissions(int file, const struct stat& other) noexcept {
+    struct stat fresh {};
+    if (fstat(file, &fresh) != 0) {
+        return false;
+    }
+    const bool foreign = fresh.st_uid != other.st_uid || fresh.st_gid != other.st_gid;
+    const bool given = !foreign || fchown(file, other.st_uid, other.st_gid) == 0;
+    // A file that stays with another owner must not carry that owner's set-id bits.
+    return fchmod(file, other.st_mode & (given ? 07777 : 0777)) == 0;
+}
+
 } // namespace Tarn

@@ -7,6 +7,8 @@
 // The system's file calls as the text files need them: repeated when a signal interrupts them, and
 // going on after a part.
 
+struct stat;
+
 namespace Tarn {
 
 /// An open file of the system, closed at the end.
@@ -41,5 +43,8 @@ bool flushFile(int file) noexcept;
 
 /// The same for a folder. One that may be written but not read counts as flushed.
 bool flushFolder(const char* path) noexcept;
+
+/// Gives a file the owner, where the system lets us, and the permissions of another.
+bool copyPermissions(int file, const struct stat& other) noexcept;
 
 } // namespace Tarn

@@ -257,4 +257,18 @@ TEST_F(ContainerFile, AFolderInTheWayLeavesTheOldFile) {
     EXPECT_EQ(itemsOf(Reader{folder_.wide("c"), false}).size(), 1U);
 }
 
+TEST_F(ContainerFile, KeepsPermissionsAndReplacesOnlyFiles) {
+    namespace fs = std::filesystem;
+    save(1);
+    fs::permissions(folder_.path("c"), fs::perms::owner_read | fs::perms::owner_write);
+    save(2);
+    EXPECT_EQ(fs::status(folder_.path("c")).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write)
+        << "what was private stays so";
+    fs::remove(folder_.path("c"));
+    fs::create_directory(folder_.path("c"));
+    save(1);
+    EXPECT_EQ(folder_.names(), (Names{"c"})) << "nothing beside a folder";
+}
+
 } // namespace

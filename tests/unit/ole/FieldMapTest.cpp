@@ -148,6 +148,12 @@ TEST(FieldMap, WithoutAViewNumbersAreUnknown) {
     map.append("a", false);
     EXPECT_EQ(entriesOf(map), (Texts{"+", "-a"})) << "a null name is the empty one";
     EXPECT_EQ(map.asString(), "0 -0");
+    auto table = makeTable({"a"});
+    const ODBView view{table.get()};
+    map.setSourceDb(view);
+    EXPECT_EQ(map.asString(), "0 -1");
+    table.reset();
+    EXPECT_EQ(map.asString(), "0 -0") << "a table that is gone has no fields";
     EXPECT_EQ(map.getVisibleFieldIndex(0), -1);
 }
 

@@ -25,6 +25,7 @@ test_needs() {
   cat <<'END'
 libgtest-dev    installed libgtest-dev
 python3         test -x /usr/bin/python3
+sqlite3         command -v sqlite3
 locales         test -f /usr/share/i18n/locales/de_DE
 python3-pytest  /usr/bin/python3 -c 'import pytest'
 zsh             command -v zsh

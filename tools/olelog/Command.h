@@ -30,6 +30,7 @@ void addCheckCommand(CLI::App& app, Task& task);
 void addCompletionCommand(CLI::App& app, Task& task);
 void addContainerCommand(CLI::App& app, Task& task);
 void addDedupeCommand(CLI::App& app, Task& task);
+void addExportCommand(CLI::App& app, Task& task);
 void addImportCommand(CLI::App& app, Task& task);
 void addInfoCommand(CLI::App& app, Task& task);
 void addMergeCommand(CLI::App& app, Task& task);

@@ -11,6 +11,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -32,7 +33,9 @@ void ignoreClosedPipes() {
                 SIG_IGN); // a file that grows too long fails to be written, and that is told
 }
 
-Output::Output() {
+Output::Output() : Output{STDOUT_FILENO, "standard output"} {}
+
+Output::Output(int file, std::string name) : file_{file}, name_{std::move(name)} {
     gathered_.reserve(pieceBytes);
 }
 
@@ -45,16 +48,21 @@ void Output::write(std::string_view text) {
 
 void Output::flush() {
     if (error_ == 0) {
-        error_ = writeAll(STDOUT_FILENO, gathered_);
+        error_ = writeAll(file_, gathered_);
     }
     gathered_.clear();
 }
 
-int Output::finish(int code) {
+int Output::end() {
     flush();
-    if (error_ == 0 || error_ == EPIPE) {
+    return error_;
+}
+
+int Output::finish(int code) {
+    const int error = end();
+    if (error == 0 || error == EPIPE) {
         return code;
     }
-    say("cannot write to standard output: {}", reasonText(error_));
+    say("cannot write to {}: {}", name_, reasonText(error));
     return exitFailure;
 }

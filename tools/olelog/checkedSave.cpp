@@ -41,12 +41,6 @@ bool takeTagsFromColumn(oledb& table, const RowOrigins& origins) {
     return !findings.any();
 }
 
-int cannotWrite(const std::string& name, int error) {
-    say("{}: cannot be written: {}; nothing was changed", name == "-" ? "standard output" : name,
-        reasonText(error));
-    return exitFailure;
-}
-
 /// Puts the written file in its place, unless that is not wanted.
 int finish(const SaveTarget& place, TemporaryFile& written, const std::string& target,
            bool lossless, const SaveRules& rules) {
@@ -62,6 +56,12 @@ int finish(const SaveTarget& place, TemporaryFile& written, const std::string& t
 }
 
 } // namespace
+
+int cannotWrite(const std::string& name, int error) {
+    say("{}: cannot be written: {}; nothing was changed", name == "-" ? "standard output" : name,
+        reasonText(error));
+    return exitFailure;
+}
 
 bool takeTag(oledb& table, unsigned row, unsigned col) {
     const std::string text{valueOf(table, row, col)};

@@ -25,6 +25,9 @@ int writeTable(oledb& table, const std::string& path);
 /// Adds the option --strict to a command.
 void addStrictOption(CLI::App& command, bool& strict);
 
+/// Says that a file cannot be written and why. Returns the exit code.
+int cannotWrite(const std::string& name, int error);
+
 /// Says that nothing was written because of --strict. Returns the exit code.
 int refuseLoss(const std::string& target);
 

@@ -31,12 +31,44 @@ void appendCsvValue(std::string& line, std::string_view value) {
     line += '"';
 }
 
-/// Ends a line. One that is empty would be taken for none, so its only value gets quotes.
-void endCsvLine(std::string& line, Output& out) {
-    line += line.empty() ? "\"\"\r\n" : "\r\n";
-    out.write(line);
-    line.clear();
-}
+/// The lines of a CSV text, cell by cell.
+class CsvLines {
+public:
+    CsvLines(Output& out, const CsvStyle& style) : out_{out}, style_{style} {
+        out_.write(style.mark ? "\xef\xbb\xbf" : "");
+    }
+
+    void add(std::string_view value) {
+        line_ += first_ ? "" : ",";
+        first_ = false;
+        if (style_.guardFormulas && !value.empty() &&
+            formulaStarts.find(value.front()) != std::string_view::npos) {
+            ++guarded_;
+            appendCsvValue(line_, "'" + std::string{value});
+            return;
+        }
+        appendCsvValue(line_, value);
+    }
+
+    /// A line that is empty would be taken for none, so its only value gets quotes.
+    void endLine() {
+        line_ += line_.empty() ? "\"\"\r\n" : "\r\n";
+        out_.write(line_);
+        line_.clear();
+        first_ = true;
+    }
+
+    [[nodiscard]] std::size_t guarded() const { return guarded_; }
+
+private:
+    static constexpr std::string_view formulaStarts = "=+-@\t\r";
+
+    Output& out_;
+    const CsvStyle& style_;
+    std::string line_;
+    bool first_ = true;
+    std::size_t guarded_ = 0;
+};
 
 bool isPlainJson(std::string_view text) {
     return std::all_of(text.begin(), text.end(),
@@ -67,24 +99,20 @@ std::vector<std::string> jsonKeys(ODBBase& table, const std::vector<unsigned>& c
 
 } // namespace
 
-void printCsv(ODBBase& table, const std::vector<unsigned>& columns, Output& out) {
-    std::string line;
-    std::string_view separator;
+std::size_t printCsv(ODBBase& table, const std::vector<unsigned>& columns, Output& out,
+                     const CsvStyle& style) {
+    CsvLines lines{out, style};
     for (const unsigned col : columns) {
-        line += separator;
-        appendCsvValue(line, table.get_fieldname(col));
-        separator = ",";
+        lines.add(table.get_fieldname(col));
     }
-    endCsvLine(line, out);
+    lines.endLine();
     for (unsigned row = 0; row < table.get_num_records() && !out.isClosed(); ++row) {
-        separator = "";
         for (const unsigned col : columns) {
-            line += separator;
-            appendCsvValue(line, valueOf(table, row, col));
-            separator = ",";
+            lines.add(valueOf(table, row, col));
         }
-        endCsvLine(line, out);
+        lines.endLine();
     }
+    return lines.guarded();
 }
 
 std::size_t printJson(ODBBase& table, const std::vector<unsigned>& columns, Output& out) {

@@ -62,6 +62,7 @@ int run(int argc, char** argv) {
     addInfoCommand(app, task);
     addShowCommand(app, task);
     addSaveCommand(app, task);
+    addExportCommand(app, task);
     addSortCommand(app, task);
     addTagCommand(app, task);
     addDedupeCommand(app, task);

@@ -32,6 +32,7 @@ struct Condition {
 
 struct Columns {
     std::vector<unsigned> shown;
+    std::vector<unsigned> leftOut;
     bool named = false;
 };
 
@@ -118,7 +119,7 @@ bool partFields(oledb& table, const std::string& list, std::vector<unsigned>& sh
 
 bool takeColumns(oledb& table, const SelectionOptions& options, Wish& wish) {
     std::vector<unsigned>& shown = wish.columns.shown;
-    std::vector<unsigned> leftOut;
+    std::vector<unsigned>& leftOut = wish.columns.leftOut;
     if (options.fields && !partFields(table, *options.fields, shown, leftOut)) {
         return false;
     }
@@ -271,6 +272,6 @@ std::optional<Selection> select(oledb& table, const SelectionOptions& options) {
         return std::nullopt;
     }
     ODBView rows = selectRows(table, wish, options);
-    return Selection{std::move(rows), std::move(wish.columns.shown), wish.columns.named,
-                     options.narrows()};
+    return Selection{std::move(rows), std::move(wish.columns.shown),
+                     std::move(wish.columns.leftOut), wish.columns.named, options.narrows()};
 }

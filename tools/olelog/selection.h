@@ -29,6 +29,7 @@ struct SelectionOptions {
 struct Selection {
     ODBView rows;
     std::vector<unsigned> columns; ///< in the order asked for; all where no fields were named
+    std::vector<unsigned> leftOut; ///< those named with a minus sign
     bool columnsNamed = false;     ///< whether fields were asked for one by one
     bool rowsNarrowed = false;     ///< whether an option left out rows, or could have
 

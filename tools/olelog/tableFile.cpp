@@ -293,3 +293,10 @@ bool isForeignFile(const std::string& path) {
     }
     return oledb{modulePath(path), 0, true}.get_valid() == 0;
 }
+
+bool isTableFile(const std::string& path) {
+    const ModuleSilence silence;
+    std::error_code failed;
+    return std::filesystem::is_regular_file(path, failed) && !failed &&
+           oledb{modulePath(path), 0, true}.get_valid() != 0;
+}

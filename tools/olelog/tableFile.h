@@ -24,5 +24,8 @@ std::string placeOf(const LoadedTable& loaded, const InputFile& file, unsigned r
 /// as the target by mistake.
 bool isForeignFile(const std::string& path);
 
+/// Whether a path leads to a table file.
+bool isTableFile(const std::string& path);
+
 /// How a table reads back from its file, told or not: for checks of a file just written.
 std::unique_ptr<oledb> loadTableQuietly(const std::string& path);

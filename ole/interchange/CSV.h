@@ -34,12 +34,13 @@ public:
     bool writeTo(const LightweightString<wchar_t>& path) const;
     /// Appends the two header lines; false, appending nothing, when there is nothing to write.
     bool writeHeader(TextFile& file) const;
-    /// Appends the line of the view's row `record`; empty values where there is no such row.
+    /// Appends the line of the view's row `record`. Where there is no such row all its texts count
+    /// as empty: its values are then empty too, but for 00:00:00:00 in `DOUBLE` columns.
     void writeRecord(TextFile& file, unsigned record) const;
     /// A value as it is written. `DOUBLE`: seconds as a timecode at the open project's rate,
-    /// 10:00:00:05; what is no number reads as 0; "" for the invalid time 1e99, for what is no
-    /// number of seconds, and from 100 hours on. `DOS_DATE`: the full date and time, "" for none.
-    /// Others as they are. Asks for the project's settings every time.
+    /// 10:00:00:05; what is no number, so "" too, reads as 0; "" for the invalid time 1e99, for
+    /// what is no number of seconds, and from 100 hours on. `DOS_DATE`: the full date and time, ""
+    /// for none. Others as they are. Asks for the project's settings every time.
     [[nodiscard]] static LightweightString<char> convertField(LightweightString<char> value,
                                                               DBFieldTypes::eType type);
 

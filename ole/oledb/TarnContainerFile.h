@@ -64,7 +64,7 @@ public:
     Reader(LightweightString<wchar_t> file, bool headerOnly);
 
     /// Whether the file loaded as a table and has a column "Cookie". A file that breaks off within
-    /// its rows is valid, with the items before.
+    /// its rows is valid, with the items before; the cut one may be there too, its last column cut.
     [[nodiscard]] bool valid() const;
     /// The container's own cookie, as its file name without folders and ending spells it. Other
     /// than `getCookieFromFilename`, its kind does not depend on the ending.
@@ -125,7 +125,10 @@ public:
     /// left beside it. Another file at path.tmp is removed before, though only when there is a file
     /// at `path`: without one it may hold what an interrupted save left, and it stays. The new file
     /// has the old one's permissions, and takes the place of a symbolic link. Devices and pipes are
-    /// written directly. There is no result; to make sure, read the file. Linear in the items.
+    /// written directly. An attribute of items named "Tag" (in any case) is first overwritten with
+    /// "0" in every item, as saving any table does. What the format changes or loses stands in
+    /// docs/format-container.md; a line feed in the name or an attribute can make the whole file
+    /// unreadable. There is no result; to make sure, read the file. Linear in the items.
     void save(const LightweightString<wchar_t>& path);
 
 private:

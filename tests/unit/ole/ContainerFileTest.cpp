@@ -167,6 +167,32 @@ TEST_F(ContainerFile, CutAnywhere) {
     }
 }
 
+// What docs/format-container.md warns of: some of it is silent, some costs the whole file.
+TEST_F(ContainerFile, WhatAnItemOrANameLosesByItsText) {
+    const Captured said;
+    const std::string uuid = cookieText(1).substr(0, 33);
+    const std::pair<std::size_t, Texts> cuts[] = {
+        {4050, {uuid + "0f"}}, {4051, {"-"}}, {4053, {uuid + "ff"}}, {4092, {"-"}}, {4093, {}}};
+    std::vector<DBFieldDesc> columns = descriptors({"tag", "Note", "Cookie"});
+    for (const auto& [length, items] : cuts) {
+        Writer writer{columns.data() + 1};
+        writer.addItem(Cookie{(uuid + "0f").c_str(), true})
+            ->set_field(0, std::string(length, 'n').c_str());
+        writer.save(folder_.wide("c"));
+        EXPECT_EQ(itemsOf(Reader{folder_.wide("c"), false}), items) << length;
+    }
+    for (const auto& [name, read] : {std::pair{"a\nb", "a"}, {"a\n\nb", ""}, {"a\nOLEDB", ""}}) {
+        Writer writer{columns.data()};
+        writer.setName(name);
+        writer.addItem(cookieNo(1))->set_field(0, "mine");
+        writer.save(folder_.wide("c"));
+        const Reader c{folder_.wide("c"), false};
+        EXPECT_EQ(c.getName(), read) << name;
+        EXPECT_EQ(c.valid(), *read != '\0') << name;
+        EXPECT_EQ(c.getItem(0).getAttrib(0), *read != '\0' ? "0" : "") << name;
+    }
+}
+
 TEST_F(ContainerFile, WithoutACookieColumn) {
     const Captured said;
     std::vector<DBFieldDesc> columns = descriptors({"Note"});

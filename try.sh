@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Shows what this project does: builds the tool, imports a sample log into a table, and looks at
-# the table. Can be run again, from any folder, and asks nothing.
+# Shows what this project does: builds the tool and takes a sample log from end to end. Can be run
+# again, from any folder, and asks nothing.
 set -euo pipefail
 
 case ${1-} in
@@ -9,8 +9,9 @@ case ${1-} in
     cat <<'END'
 usage: ./try.sh
 
-Installs what is missing (apt-get), builds the tool olelog, imports samples/day-12.ale
-into a table file, and shows the table. The table stays, so that you can go on with it.
+Installs what is missing (apt-get), builds the tool olelog, imports samples/day-12.ale into a
+table file, sorts, tags and searches it, and hands the prints on as CSV and as a container file.
+The files stay, so that you can go on with them.
 END
     exit 0
     ;;
@@ -45,25 +46,36 @@ say "== 3. The log: text with tabs, as cameras and film labs write it. A heading
   "      the columns, then one line a take. These are its first lines, cut at 100 characters:"
 run head -n 14 samples/day-12.ale | cut -c 1-100
 
-say "== 4. Import it: every take becomes a row, every column goes to its field of the table." \
-  "      The tool says what it took and what had no place (the lens has no standard field)."
-run olelog import samples/day-12.ale -o "$out/day-12.odb"
+say "== 4. Would an import lose anything? (The lens has no standard field.)"
+run olelog check samples/day-12.ale || [ $? -eq 1 ] # 1: there are findings
 
-say "== 5. What stands in the table file now: its parameters come from the log's heading," \
-  "      its columns are the standard ones with their types and widths."
-run olelog info "$out/day-12.odb"
+say "== 5. Import it: every take becomes a row, every column goes to its field of the table," \
+  "      and each take gets an identifier, for the container below."
+run olelog import samples/day-12.ale -o "$out/day-12.odb" --identify
 
 say "== 6. The rows. Names have changed on the way: Tape became reel, Take became shot, and the" \
   "      key number KU 31 5127 0416+08 its 15-character form KU3151270416+08."
-run olelog show "$out/day-12.odb"
+run olelog show "$out/day-12.odb" --fields -Cookie
 
-say "== 7. The same rows for other programs: comma-separated, with a header line."
-run olelog show "$out/day-12.odb" --format csv | sed -n 1,4p
-
-say "== 8. A choice of them: the takes marked as print that show Ines, in order of reel and shot." \
-  "      Patterns match anywhere in a value and in any case; save -o writes such a choice as a table."
+say "== 7. A choice of them: the takes marked as print that show Ines, in order of reel and shot." \
+  "      Patterns match anywhere in a value and in any case."
 run olelog show "$out/day-12.odb" --where Notes=print --where Description=ines \
   --sort Reel,Shot --fields Name,Reel,Shot,Description,Notes
+
+say "== 8. Put the file itself in order, and tag its prints: the tags stay in the file."
+run olelog sort "$out/day-12.odb" --by Scene,Shot
+run olelog tag "$out/day-12.odb" --where Notes=print
+
+say "== 9. The tagged takes for a spreadsheet, and in the form that editors read."
+run olelog export "$out/day-12.odb" -o "$out/prints.csv" --tagged --fields Scene,Shot,Name,Reel,Notes
+run cat "$out/prints.csv"
+run olelog export "$out/day-12.odb" -o - --format csv --tagged --fields Scene,Shot,Name,Reel,Notes
+
+say "== 10. A container file lists them by their identifiers, under a name."
+rm -f "$out/prints.sg"
+run olelog container create "$out/prints.sg" --name "Prints of day 12"
+run olelog container add "$out/prints.sg" --from "$out/day-12.odb" --tagged
+run olelog info "$out/prints.sg"
 
 say "Done. The table is $PWD/$out/day-12.odb" \
   "and the tool is $PWD/build/try/bin/olelog. Try it with a log of your own:" \

@@ -29,6 +29,7 @@ sqlite3         command -v sqlite3
 locales         test -f /usr/share/i18n/locales/de_DE
 python3-pytest  /usr/bin/python3 -c 'import pytest'
 zsh             command -v zsh
+man-db          command -v man
 END
 }
 

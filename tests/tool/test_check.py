@@ -117,7 +117,7 @@ def test_each_trouble_is_found_where_it_is(tmp_path, text, expected):
 
 
 def test_every_code_is_tried_and_described():
-    page = open(os.path.join(os.path.dirname(__file__), "../../docs/olelog.md"), encoding="utf-8").read()
+    page = open(os.path.join(os.path.dirname(__file__), "../../docs/tool.md"), encoding="utf-8").read()
     described = re.findall(r"^\| `([a-z0-9-]+)` \| (?:refused|lost|changed|doubtful) \|", page, re.MULTILINE)
     assert sorted(described) == sorted({code for _, found in FINDINGS for code, _ in found})
 

@@ -16,7 +16,7 @@ def help_of(*command):
 
 
 def commands_in(text):
-    listed = text.split("Subcommands:\n")[1] if "Subcommands:\n" in text else ""
+    listed = text.split("Subcommands:\n")[1].split("\n\n")[0] if "Subcommands:\n" in text else ""
     return re.findall(r"^  (\S+)", listed, re.MULTILINE)
 
 

@@ -94,8 +94,8 @@ def test_merge(tmp_path):
     columns, types = ["Name", "Reel", "Notes", "Start time", "Tag"], ["text", "text", "text", "timecode", "long"]
     rows = [["a", "R1", "", "01:00:00:00", "1"], ["A", "", "", "", ""], ["", "R9", "", "", ""], ["b", "R2", "no", "", ""]]
     table = write_table(tmp_path / "t.odb", columns, rows, types=types)
-    other = [["A", "R1", "yes", "01000005", "x"], ["b", "R3", "no", "", "x"], ["", "R9", "n", "", ""], ["new", "R4", "", "odd", ""]]
-    write_table(tmp_path / "o.odb", ["NAME", "Reel", "notes", "start time", "Lens"], other, types=["text"] * 3 + ["timecode_s", "text"])
+    other = [["A", "R1", "yes", "01000005", "x", "7"], ["b", "R3", "no", "", "x", ""], ["", "R9", "n", "", "", ""], ["new", "R4", "", "odd", "", "7"]]
+    write_table(tmp_path / "o.odb", ["NAME", "Reel", "notes", "start time", "Lens", "tag"], other, types=["text"] * 3 + ["timecode_s"] + ["text"] * 2)
     said = expect(1, "merge", table, tmp_path / "o.odb", "--by", "name")
     got = [list(row.values()) for row in csv_rows(table)]
     assert got == [
@@ -104,7 +104,7 @@ def test_merge(tmp_path):
         ["", "R9", "", "", "0"],
         ["b", "R2", "no", "", "0"],
         ["", "R9", "n", "", "0"],
-        ["new", "R4", "", "", "0"],
+        ["new", "R4", "", "", "7"],
     ]
     for part in (
         "1 column dropped, which the table has no field for: Lens",

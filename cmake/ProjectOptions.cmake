@@ -26,6 +26,13 @@ if(OLE_SANITIZE)
   target_link_options(ole_flags INTERFACE -fsanitize=${sanitizers})
 endif()
 
+if(OLE_BUILD_FUZZERS)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    message(FATAL_ERROR "OLE_BUILD_FUZZERS needs Clang: -DCMAKE_CXX_COMPILER=clang++")
+  endif()
+  target_compile_options(ole_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # Undefined symbols show when a library is linked, not when a program loads it. A sanitizer's own
 # symbols are found in the program only, so there the check would fail.
 if(NOT OLE_SANITIZE AND NOT APPLE)

@@ -36,6 +36,7 @@ END
 lint_needs() {
   cat <<'END'
 clang           command -v clang++
+libclang-rt-dev compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a'
 clang-tidy      command -v clang-tidy
 clang-format    command -v clang-format
 shellcheck      command -v shellcheck

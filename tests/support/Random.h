@@ -1,7 +1,8 @@
 #pragma once
 
 // Random runs that can be repeated. Every run has a seed, which a failure prints;
-// OLE_TEST_SEED=<seed> runs that one alone, OLE_TEST_ROUNDS=<n> runs n times as many.
+// OLE_TEST_SEED=<seed> runs that one alone, OLE_TEST_ROUNDS=<n> runs n times as many. A fuzzer has
+// its choices made by its bytes instead.
 
 #include <gtest/gtest.h>
 
@@ -14,9 +15,15 @@
 class Random {
 public:
     explicit Random(std::uint64_t seed) : engine_{seed} {}
+    /// Choices that bytes make, as many bytes a choice as it needs; 0 from their end on.
+    explicit Random(std::string_view bytes) : bytes_{bytes}, fromBytes_{true} {}
 
+    [[nodiscard]] bool usedUp() const { return fromBytes_ && bytes_.empty(); }
     /// 0 to n - 1.
     unsigned below(unsigned n) {
+        if (fromBytes_) {
+            return fromBytes(n - 1) % n;
+        }
         return std::uniform_int_distribution<unsigned>{0, n - 1}(engine_);
     }
     bool oneIn(unsigned n) { return below(n) == 0; }
@@ -34,7 +41,18 @@ public:
     }
 
 private:
+    unsigned fromBytes(unsigned most) {
+        unsigned number = 0;
+        for (; most != 0 && !bytes_.empty(); most >>= 8) {
+            number = number << 8 | static_cast<unsigned char>(bytes_.front());
+            bytes_.remove_prefix(1);
+        }
+        return number;
+    }
+
     std::mt19937_64 engine_;
+    std::string_view bytes_;
+    bool fromBytes_ = false;
 };
 
 template <class Body>

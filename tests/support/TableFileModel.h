@@ -3,6 +3,7 @@
 // The table file read and written the slow way, straight from the rules of the format: one
 // character at a time, texts copied, nothing shared with the module.
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -133,5 +134,115 @@ inline LoadedRows readRows(const Texts& lines, std::size_t columns, std::size_t 
     }
     return loaded;
 }
+
+struct LoadedFile : LoadedRows {
+    bool valid = false;
+    Texts params; ///< "name=value"
+    Texts names;
+    std::vector<int> counts; ///< of values, for each row
+};
+
+/// A whole file. Lines are read into one heading record: an empty field keeps what stood there.
+class FileReader {
+public:
+    FileReader(const std::string& bytes, bool requireHeader) : lines_{linesOf(bytes)} {
+        int found = readHeading();
+        if (lower(first()).rfind("oledb:", 0) == 0 && found != 0) {
+            do {
+                takeParam(withoutLead(first()));
+                found = readHeading();
+            } while (found != 0 && lower(first()) != "oledb");
+        }
+        if (found == 0 || !readNames(found, requireHeader)) {
+            return;
+        }
+        for (std::size_t i = 0; i < columns_; ++i) {
+            file.names.push_back(heading_[i]);
+            std::erase(file.names.back(), '&');
+        }
+        file.valid = true;
+        while (readOneRow()) {
+        }
+    }
+
+    LoadedFile file;
+
+private:
+    static Texts linesOf(const std::string& bytes) {
+        Texts lines;
+        for (std::size_t at = 0; at < bytes.size();) {
+            const std::size_t end = std::min(bytes.find('\n', at), bytes.size());
+            lines.push_back(bytes.substr(at, end - at));
+            if (!lines.back().empty() && lines.back().back() == '\r') {
+                lines.back().pop_back();
+            }
+            at = end + 1;
+        }
+        return lines;
+    }
+    static std::string lower(std::string text) {
+        for (char& c : text) {
+            c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+        }
+        return text;
+    }
+    static std::string withoutLead(const std::string& text) {
+        const auto white = std::find_if_not(text.begin(), text.end(), isWhite);
+        return {white, text.end()};
+    }
+    const std::string& first() { return heading_[0]; }
+    int read(Texts& slots, int nfields) {
+        if (next_ >= lines_.size()) {
+            return 0;
+        }
+        const ReadRow row = readRow(lines_[next_++], slots, nfields);
+        slots = row.slots;
+        return row.result;
+    }
+    int readHeading() { return read(heading_, 0); }
+    void takeParam(const std::string& text) {
+        const std::size_t colon = text.find(':');
+        if (colon != 0 && colon != std::string::npos && file.params.size() < 40) {
+            file.params.push_back(text.substr(0, colon) + "=" +
+                                  withoutLead(text.substr(colon + 1)));
+        }
+    }
+    bool readNames(int found, bool requireHeader) {
+        const bool header = lower(first()) == "oledb";
+        columns_ = static_cast<std::size_t>(std::min(header ? readHeading() : found, 255));
+        if (!header) {
+            return !requireHeader;
+        }
+        for (const char* const line : {"3", "4"}) {
+            if (static_cast<std::size_t>(readHeading()) != columns_) {
+                file.error = std::string{"3 "} + line + " 0 0";
+                return false;
+            }
+        }
+        return true;
+    }
+    bool readOneRow() {
+        Texts slots(columns_);
+        const int found = read(slots, 0);
+        if (found != 0 && found != static_cast<int>(columns_)) {
+            file.error = "1 " + std::to_string(file.rows.size()) + " 0 0";
+            return false;
+        }
+        int count = found;
+        for (int skip = found != 0 && slots[0] == "OLEDB" ? 3 : 0; skip > 0; --skip) {
+            count = count == 0 ? 0 : read(slots, 0);
+        }
+        if (count != 0) {
+            file.rows.push_back(slots);
+            file.counts.push_back(count);
+        }
+        return count != 0;
+    }
+
+    Texts lines_;
+    std::size_t next_ = 0;
+    Texts heading_ = Texts(256);
+    std::size_t columns_ = 0;
+};
 
 } // namespace FileModel

@@ -3,6 +3,7 @@
 #include "ole/interchange/ALE.h"
 #include "ole/oledb/oledb.h"
 #include "support/Captured.h"
+#include "support/KeyNumberModel.h"
 #include "support/Random.h"
 #include "support/Tables.h"
 #include "unit/TemporaryFolder.h"
@@ -243,36 +244,6 @@ TEST_F(Ale, KeyNumbers) {
     EXPECT_EQ(rowsFrom({"kn start"}, "kn start", {"12"}), (Rows{{"12"}}));
 }
 
-/// The rule for key numbers, written down step by step.
-std::string normalised(const std::string& value) {
-    std::string t = value.substr(0, 24);
-    if (value.size() <= 14) {
-        return std::string(15 - value.size(), '_') + t;
-    }
-    if (value.size() == 15) {
-        return value;
-    }
-    std::size_t p = std::string::npos;
-    for (std::size_t i = 0; i < t.size(); ++i) {
-        if (t[i] == '+' || t[i] == '&') {
-            t[i] = '+';
-            p = i;
-        }
-    }
-    if (p == std::string::npos || p > t.size() - 3) {
-        return "";
-    }
-    std::string result = "____________+" + t.substr(p + 1, 2);
-    std::size_t to = 12;
-    while (p > 0 && to > 0) {
-        --p;
-        if (t[p] != ' ' && t[p] != '-') {
-            result[--to] = t[p];
-        }
-    }
-    return result;
-}
-
 TEST_F(Ale, RandomKeyNumbersFollowTheRule) {
     forSeeds(20, [this](Random& random) {
         Texts data;
@@ -281,7 +252,7 @@ TEST_F(Ale, RandomKeyNumbersFollowTheRule) {
             std::string value = random.text("KX0123456-+& ", 30);
             value.erase(value.find_last_not_of(' ') + 1);
             data.push_back("x>" + value);
-            std::string stored = value.empty() ? "" : normalised(value);
+            std::string stored = value.empty() ? "" : keyNumberByTheRule(value);
             stored.erase(0, std::min(stored.find_first_not_of(' '), stored.size()));
             expected.push_back(stored);
         }

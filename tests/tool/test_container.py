@@ -150,7 +150,6 @@ def test_add_chosen_rows(container):
 @pytest.mark.parametrize(
     "text, told",
     [
-        (table_text(["Name"], [["x"]]), 'c.sg: is no container: a table without a column "Cookie"'),
         (container_text([[short(1)], ["rubbish"]]), 'c.sg:8: the item\'s cookie cannot be read: "rubbish"'),
         (container_text([[short(1)[1:33]]]), "c.sg:7: the item's cookie cannot be read: \"" + short(1)[1:33] + '"; the letter'),
         (container_text([["", "x"]], ["Cookie", "n"]), "c.sg:7: the item has no cookie"),
@@ -167,6 +166,22 @@ def test_bad_containers(tmp_path, text, told):
     for words in (["list"], ["info"], ["list", "--json"], ["add", cookie(9)]):
         assert told in expect(3, "container", words[0], path, *words[1:])
     assert [p.read_bytes() for p in tmp_path.iterdir()] == ([] if text is None else [text])
+
+
+@pytest.mark.parametrize(
+    "columns, parameters, lacks",
+    [
+        (["Name", "Cookie"], ["OLEDB:Rev 1", "FPS:25"], 'no parameter "Name" or "Permanent"; "olelog show"'),
+        (["Name"], ["OLEDB:Rev 1", "Name:n"], 'no column "Cookie"; "olelog show"'),
+    ],
+)
+def test_plain_tables_are_no_containers(tmp_path, columns, parameters, lacks):
+    table = write_table(tmp_path / "t.odb", columns, [[""] * len(columns)], parameters)
+    before = table.read_bytes()
+    for words in (["list"], ["info"], ["add", cookie(9)], ["add", "--from", table], ["add", cookie(9), "--dry-run"]):
+        said = expect(2, "container", words[0], table, *words[1:])
+        assert f"{table}: is a table, but no container: it has {lacks}" in said
+    assert table.read_bytes() == before
 
 
 def test_containers_cut_anywhere(tmp_path):

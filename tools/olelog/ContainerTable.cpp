@@ -3,6 +3,7 @@
 
 #include "ContainerTable.h"
 
+#include "Command.h"
 #include "messages.h"
 #include "ole/oledb/TarnContainerFile.h"
 #include "shownText.h"
@@ -71,6 +72,13 @@ bool takeItems(const LoadedTable& loaded, const InputFile& file, LoadedContainer
     return !findings.any();
 }
 
+void sayPlainTable(const InputFile& file, const oledb& table) {
+    say("{}: is a table, but no container: it has no {}; \"olelog show\" prints its rows",
+        file.name(),
+        table.get_fieldnum(cookieColumn) < 0 ? "column \"Cookie\""
+                                             : "parameter \"Name\" or \"Permanent\"");
+}
+
 } // namespace
 
 LoadedContainer loadContainer(const InputFile& file) {
@@ -79,12 +87,12 @@ LoadedContainer loadContainer(const InputFile& file) {
     if (!loaded.table) {
         return container;
     }
-    const int col = loaded.table->get_fieldnum(cookieColumn);
-    if (col < 0) {
-        say("{}: is no container: a table without a column \"{}\"", file.name(), cookieColumn);
+    if (!isContainer(*loaded.table)) {
+        sayPlainTable(file, *loaded.table);
+        container.isPlainTable = true;
         return container;
     }
-    container.cookieCol = static_cast<unsigned>(col);
+    container.cookieCol = static_cast<unsigned>(loaded.table->get_fieldnum(cookieColumn));
     container.whole = takeItems(loaded, file, container) && loaded.whole;
     container.table = std::move(loaded.table);
     return container;
@@ -99,6 +107,10 @@ bool isContainer(const oledb& table) {
     return table.get_fieldnum(cookieColumn) >= 0 &&
            (table.get_param_val(TarnContainerFile::getNameParamKey()) ||
             table.get_param_val(TarnContainerFile::getPermanentParamKey()));
+}
+
+int exitCodeOfNone(const LoadedContainer& none) {
+    return none.isPlainTable ? exitUsage : exitFailure;
 }
 
 bool standsForNoItem(std::string text) {

@@ -11,6 +11,7 @@
 /// A container that was read from a file.
 struct LoadedContainer {
     std::unique_ptr<oledb> table; ///< null when the file is no container
+    bool isPlainTable = false;    ///< whether it is none, but a table
     unsigned cookieCol = 0;
     CookieSet items;    ///< those whose cookies can be read, in order
     bool whole = false; ///< whether all of the file was read, and every item's cookie
@@ -26,6 +27,9 @@ void appendItem(oledb& table, unsigned cookieCol, const Cookie& cookie);
 /// Whether a table is a container: it has a column "Cookie", and a parameter that tells its name or
 /// permanence. Any table of logs has the column.
 bool isContainer(const oledb& table);
+
+/// The exit code where there is no container: wrong usage where a plain table was named.
+int exitCodeOfNone(const LoadedContainer& none);
 
 /// Whether a text is a cookie of kind 'I', which stands for no item.
 bool standsForNoItem(std::string text);

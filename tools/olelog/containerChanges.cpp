@@ -285,7 +285,7 @@ int addToContainer(const ContainerAddition& asked) {
     LoadedContainer container = file ? loadContainer(*file) : LoadedContainer{};
     std::optional<int> failed;
     if (!container.table || !container.whole) {
-        failed = exitFailure;
+        failed = exitCodeOfNone(container);
     } else if (!asked.from.empty()) {
         failed = takeTable(wanted, asked);
     }

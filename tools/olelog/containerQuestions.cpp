@@ -29,17 +29,19 @@ struct OpenContainer {
     std::optional<InputFile> file;
     LoadedContainer container;
 
-    [[nodiscard]] int exitCode() const { return container.whole ? exitFine : exitFailure; }
+    explicit operator bool() const { return container.table != nullptr; }
+    [[nodiscard]] int exitCode() const {
+        return container.whole ? exitFine : exitCodeOfNone(container);
+    }
     [[nodiscard]] oledb& table() const { return *container.table; }
 };
 
-/// Opens a container; says why and gives nothing where there is none.
-std::optional<OpenContainer> openContainer(const std::string& name) {
+/// Opens a container; says why where there is none.
+OpenContainer openContainer(const std::string& name) {
     tellLeftOver(name);
     auto file = InputFile::open(name);
     LoadedContainer container = file ? loadContainer(*file) : LoadedContainer{};
-    return container.table ? std::optional{OpenContainer{std::move(file), std::move(container)}}
-                           : std::nullopt;
+    return {std::move(file), std::move(container)};
 }
 
 int tellReplacedBytes(const OpenContainer& open, int code) {
@@ -187,40 +189,40 @@ void printFacts(const OpenContainer& open, const ContainerFacts& facts, Output& 
 } // namespace
 
 int listContainer(const ContainerQuestion& question) {
-    const auto open = openContainer(question.container);
+    const OpenContainer open = openContainer(question.container);
     if (!open) {
-        return exitFailure;
+        return open.exitCode();
     }
-    spellCookiesAlike(*open);
+    spellCookiesAlike(open);
     Output out;
-    int code = open->exitCode();
+    int code = open.exitCode();
     if (!question.json) {
-        printItems(*open, out);
+        printItems(open, out);
         return out.finish(code);
     }
-    std::vector<unsigned> columns(open->table().get_num_fields());
+    std::vector<unsigned> columns(open.table().get_num_fields());
     std::iota(columns.begin(), columns.end(), 0U);
-    if (printJson(open->table(), columns, out) != 0) {
-        code = tellReplacedBytes(*open, code);
+    if (printJson(open.table(), columns, out) != 0) {
+        code = tellReplacedBytes(open, code);
     }
     return out.finish(code);
 }
 
 int tellOfContainer(const ContainerQuestion& question) {
-    const auto open = openContainer(question.container);
+    const OpenContainer open = openContainer(question.container);
     if (!open) {
-        return exitFailure;
+        return open.exitCode();
     }
-    const ContainerFacts facts = factsOf(*open, question.container);
+    const ContainerFacts facts = factsOf(open, question.container);
     Output out;
-    int code = open->exitCode();
+    int code = open.exitCode();
     if (!question.json) {
-        printFacts(*open, facts, out);
+        printFacts(open, facts, out);
         return out.finish(code);
     }
     out.write(asJson(facts));
     if (!holdsOnlyUtf8(facts)) {
-        code = tellReplacedBytes(*open, code);
+        code = tellReplacedBytes(open, code);
     }
     return out.finish(code);
 }

@@ -27,7 +27,11 @@ say() {
 
 # Prints a command as a person would type it, then runs it.
 run() {
-  printf '\n$ %s\n' "$*"
+  printf '\n$'
+  for word; do
+    case $word in *[!A-Za-z0-9_,./=-]*) printf " '%s'" "$word" ;; *) printf ' %s' "$word" ;; esac
+  done
+  printf '\n'
   "$@" </dev/null
 }
 
@@ -66,7 +70,8 @@ say "== 8. Put the file itself in order, and tag its prints: the tags stay in th
 run olelog sort "$out/day-12.odb" --by Scene,Shot
 run olelog tag "$out/day-12.odb" --where Notes=print
 
-say "== 9. The tagged takes for a spreadsheet, and in the form that editors read."
+say "== 9. The tagged takes for a spreadsheet; and in the simpler form that editors read, whose" \
+  "      second line holds commas alone."
 run olelog export "$out/day-12.odb" -o "$out/prints.csv" --tagged --fields Scene,Shot,Name,Reel,Notes
 run cat "$out/prints.csv"
 run olelog export "$out/day-12.odb" -o - --format csv --tagged --fields Scene,Shot,Name,Reel,Notes

@@ -4,7 +4,8 @@
 //   FIELD, FIELD[,FIELD...], A,B,-C   names of fields, of which the last after a comma is completed
 //   FIELD=PATTERN                     the name of a field and "="
 //   a|b|c                             one of these words
-//   N, TEXT, NAME, COOKIE, KEY=VALUE  nothing that could be known
+//   N, TEXT, NAME, COOKIE, CODE, KEY=VALUE
+//                                     nothing that could be known
 //   anything else                     a file
 
 #include "Completion.h"
@@ -112,8 +113,11 @@ void offerFields(Completion& completion, const std::string& file, std::string_vi
     begin += list && typed.substr(begin, 1) == "-" ? 1 : 0; // -C leaves C out
     for (const std::string& name : fieldsOf(file)) {
         if (isListable(name) && beginsWith(name, typed.substr(begin))) {
-            std::string word{typed.substr(0, begin)};
-            completion.candidates.push_back({word.append(name).append(end), ""});
+            // What was typed stays as it is, in whatever case: shells put the common beginning of
+            // all that is offered in its place.
+            std::string word{typed};
+            word.append(name, typed.size() - begin).append(end);
+            completion.candidates.push_back({word, ""});
         }
     }
     completion.goesOn = !end.empty();

@@ -211,7 +211,7 @@ void addFormatOptions(CLI::App& command, ExportOptions& options) {
                     "form that editors read, with two header lines; json: an array of objects. "
                     "Without it the ending of OUT tells: .csv is rfc4180, .json is json")
         ->check(CLI::IsMember({"csv", "rfc4180", "json"}).description(""))
-        ->type_name("FORMAT");
+        ->type_name("rfc4180|csv|json");
     command.add_flag(
         "--bom", options.style.mark,
         "Begin with the mark that tells spreadsheets that the text is UTF-8 (rfc4180)");

@@ -3,15 +3,13 @@
 #include "fieldNames.h"
 
 #include "messages.h"
+#include "nearest.h"
 #include "ole/oledb/oledb.h"
 #include "shownText.h"
-#include "tarn/Ascii.h"
 #include "tarn/trimmed.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <numeric>
-#include <utility>
 
 namespace {
 
@@ -24,35 +22,13 @@ bool namesField(const oledb& table, const std::string& piece) {
     return isField(table, piece) || (piece.starts_with('-') && isField(table, piece.substr(1)));
 }
 
-/// How many characters have to be changed, put in or taken out to make one text the other.
-std::size_t distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> costs(b.size() + 1);
-    std::iota(costs.begin(), costs.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = std::exchange(costs[0], i + 1);
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t changed =
-                diagonal + (Tarn::toLower(a[i]) == Tarn::toLower(b[j]) ? 0 : 1);
-            diagonal = costs[j + 1];
-            costs[j + 1] = std::min({changed, costs[j] + 1, diagonal + 1});
-        }
-    }
-    return costs.back();
-}
-
 /// The field whose name comes nearest; "" when none is near.
 std::string nearestField(oledb& table, const std::string& name) {
-    std::string nearest;
-    std::size_t least = name.size() < 3 ? 2 : std::max<std::size_t>(name.size() / 3, 2) + 1;
+    std::vector<std::string> fields;
     for (unsigned col = 0; col < table.get_num_fields(); ++col) {
-        const std::string field = table.get_fieldname(col);
-        const std::size_t steps = distance(name, field);
-        if (!field.empty() && steps < least) {
-            least = steps;
-            nearest = field;
-        }
+        fields.emplace_back(table.get_fieldname(col));
     }
-    return nearest;
+    return nearestOf(name, fields);
 }
 
 std::string pieceOf(std::string_view list, std::size_t start, std::size_t end) {

@@ -4,6 +4,7 @@
 // codes of Command.h.
 
 #include "Command.h"
+#include "commandLineMistakes.h"
 #include "messages.h"
 #include "ole/ole.h"
 #include "Output.h"
@@ -22,7 +23,7 @@ constexpr const char* description =
     "table file, and sorts, tags, joins and exports it.";
 constexpr const char* footer =
     "Exit codes: 0 fine, 1 done with findings, 2 wrong usage, 3 cannot read or write.\n"
-    "A file name of - means standard input or output.";
+    "A file name of - means standard input or output. \"olelog help COMMAND\" tells more.";
 
 int printOnOutput(const std::string& text) {
     Output out;
@@ -44,9 +45,18 @@ int endEarly(const CLI::App& app, const CLI::ParseError& reason) {
     if (dynamic_cast<const CLI::CallForVersion*>(&reason)) {
         return printOnOutput(std::string{reason.what()} + "\n");
     }
-    say("{}", reason.what());
+    say("{}", describeMistake(app, reason));
     say("\"{} --help\" tells how it is used", commandPath(app));
     return exitUsage;
+}
+
+/// `olelog help COMMAND` is `olelog COMMAND --help`.
+std::vector<std::string> withoutHelpWord(std::vector<std::string> words) {
+    if (!words.empty() && words.front() == "help") {
+        words.erase(words.begin());
+        words.emplace_back("--help");
+    }
+    return words;
 }
 
 int run(int argc, char** argv) {
@@ -70,7 +80,9 @@ int run(int argc, char** argv) {
     addCompletionCommand(app, task);
     addContainerCommand(app, task);
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> words = withoutHelpWord({argv + std::min(argc, 1), argv + argc});
+        std::reverse(words.begin(), words.end()); // as the parser wants them
+        app.parse(std::move(words));
     } catch (const CLI::ParseError& reason) {
         return endEarly(app, reason);
     }

@@ -38,7 +38,7 @@ run() {
 say "== 1. Install what is missing: compiler, CMake, a few libraries"
 scripts/install-deps.sh build
 
-say "== 2. Build the tool into build/try (the first time takes a minute)"
+say "== 2. Build the tool into build/try (the first time takes a few minutes)"
 cmake -S . -B build/try -G Ninja -DCMAKE_BUILD_TYPE=Release -DOLE_BUILD_TESTS=OFF </dev/null >/dev/null
 cmake --build build/try </dev/null
 PATH=$PWD/build/try/bin:$PATH

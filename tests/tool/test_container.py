@@ -95,6 +95,9 @@ def test_own_cookie(tmp_path):
         (["add", "c.sg", short(1)[:-1]], "is no cookie"),
         (["add", "c.sg", cookie(9), "--where", "Scene=1"], "--where requires --from"),
         (["add", "c.sg", "--from", "c.sg", "--sort", "Scene"], 'no field "Scene"'),
+        (["add", "c.sg", "--from", "c.sg", "--fields", "n"], "--fields"),
+        (["create", "new", "--name", "n", "--from", "c.sg", "--sort", "Scene"], "new: not made"),
+        (["create", "new", "--name", "n", "--tagged"], "--tagged requires --from"),
         (["add", "-", "--from", "-"], "only once"),
         ([], '"olelog container --help"'),
     ],
@@ -145,6 +148,22 @@ def test_add_chosen_rows(container):
     table.write_bytes(table.read_bytes() + b'"cut"')
     assert f"{table}: line 47" in expect(3, "container", "add", container, "--from", table, "--where", "Scene=1")
     assert container.read_bytes() == before
+
+
+def test_create_of_chosen_rows(tmp_path):
+    rows = [[f"{n}A, take", f"{n % 2}", cookie(n)] for n in range(1, 9)]
+    table = write_table(tmp_path / "t.odb", ["Name", "Scene", "Cookie"], [*rows, ["", "1", cookie(9)], ["x", "5", ""]])
+    words = ["create", tmp_path / "c.sg", "--name", "n", cookie(20), "--from", table, "--where"]
+    named = f'{cookie(20)}, "{cookie(8)} (8A, take)", "{cookie(6)} (6A, take)"'
+    told = expect(0, "container", *words, "Scene=0", "--sort", "Name", "--descending", "--limit", "2", "--dry-run")
+    assert told.endswith(f'would be made: container "n" with 3 items: {named}\n')
+    assert "no row is selected" in expect(1, "container", *words, "Scene=7")
+    assert f"{table}:15: the row has no cookie" in expect(3, "container", *words, "Scene=5")
+    assert list(tmp_path.iterdir()) == [table]
+    expect(0, "container", *words, "Scene=1", "--sort", "Name")
+    assert [item["Cookie"] for item in listing(tmp_path / "c.sg")] == [cookie(n) for n in (20, 1, 3, 5, 7, 9)]
+    told = expect(0, "container", "add", tmp_path / "c.sg", "--from", table, "--limit", "2", "--dry-run")
+    assert f'not added again: "{cookie(1)} (1A, take)"\n' in told and f'1 item would be added: "{cookie(2)} (2A, take)"\n' in told
 
 
 @pytest.mark.parametrize(

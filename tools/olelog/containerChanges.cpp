@@ -16,6 +16,7 @@
 #include <fmt/format.h>
 #include <memory>
 #include <optional>
+#include <unordered_map>
 #include <utility>
 
 namespace {
@@ -29,12 +30,15 @@ std::string nameOf(const std::string& container) {
 /// Cookies that are asked for, each once, and what is wrong with some.
 struct WantedItems {
     CookieSet cookies;
-    unsigned repeated = 0; ///< how many were asked for again
-    bool leftOut = false;  ///< whether there were some of kind 'I'
+    std::unordered_map<Cookie, std::string, CookieHash> names; ///< of those that a table names
+    unsigned repeated = 0;                                     ///< how many were asked for again
+    bool leftOut = false; ///< whether there were some of kind 'I'
 };
 
-/// Takes a cookie's text; false where it is none. `place` is where it comes from.
-bool takeCookie(WantedItems& wanted, const std::string& text, const std::string& place) {
+/// Takes a cookie's text; false where it is none. `place` is where it comes from, `name` what a
+/// person calls the item.
+bool takeCookie(WantedItems& wanted, const std::string& text, const std::string& place,
+                std::string_view name = {}) {
     if (standsForNoItem(text)) {
         say("{}{} is of kind I, which stands for no item and is never stored", place,
             inQuotes(text));
@@ -46,6 +50,9 @@ bool takeCookie(WantedItems& wanted, const std::string& text, const std::string&
         return false;
     }
     wanted.repeated += wanted.cookies.add(cookie) ? 0 : 1;
+    if (!name.empty()) {
+        wanted.names.emplace(cookie, name);
+    }
     return true;
 }
 
@@ -67,17 +74,19 @@ bool takeArguments(WantedItems& wanted, const std::vector<std::string>& texts) {
 bool takeRows(WantedItems& wanted, const LoadedTable& loaded, const InputFile& file,
               ODBViewRep& rows) {
     const int col = loaded.table->get_fieldnum("Cookie");
+    const int nameCol = loaded.table->get_fieldnum("Name");
     Findings findings;
     bool missing = false;
     for (int i = 0; i < rows.count(); ++i) {
         const auto row = static_cast<unsigned>(rows.sourceRow(i));
         const char* const held = loaded.table->get_field(row, col);
         const std::string text = held ? held : "";
+        const char* const name = loaded.table->get_field(row, nameCol);
         const std::string place = placeOf(loaded, file, row);
         if (text.empty()) {
             findings.tell(place + ": the row has no cookie");
             missing = true;
-        } else if (!takeCookie(wanted, text, place + ": ")) {
+        } else if (!takeCookie(wanted, text, place + ": ", name ? name : "")) {
             findings.tell(fmt::format("{}: Cookie: {} is no cookie", place, inQuotes(text)));
         }
     }
@@ -90,7 +99,10 @@ bool takeRows(WantedItems& wanted, const LoadedTable& loaded, const InputFile& f
 }
 
 /// Takes the cookies of the table that was named; the exit code where that cannot be done.
-std::optional<int> takeTable(WantedItems& wanted, const ContainerAddition& asked) {
+std::optional<int> takeTable(WantedItems& wanted, const ItemSource& asked) {
+    if (asked.from.empty()) {
+        return std::nullopt;
+    }
     const auto file = InputFile::open(asked.from);
     const LoadedTable loaded = file ? loadTable(*file) : LoadedTable{};
     if (!loaded.table || !loaded.whole) {
@@ -99,9 +111,6 @@ std::optional<int> takeTable(WantedItems& wanted, const ContainerAddition& asked
     const auto selection = select(*loaded.table, asked.selection);
     if (!selection) {
         return exitUsage;
-    }
-    if (asked.selection.fields) {
-        sayLine("--fields chooses nothing here: of a row, its cookie alone is added");
     }
     if (selection->isEmpty()) {
         say("{}: no row is selected", file->name());
@@ -177,12 +186,15 @@ bool isInTheWay(const std::string& container) {
 
 // -- the end of both
 
-std::string namesOf(const CookieVec& cookies) {
-    std::vector<std::string> names;
+/// The first of the cookies, with the names that a table gives their items, behind a colon.
+std::string behindColon(const CookieVec& cookies, const WantedItems& wanted) {
+    std::vector<std::string> texts;
     for (const Cookie& cookie : cookies) {
-        names.emplace_back(cookie.asString(true).c_str());
+        const auto found = wanted.names.find(cookie);
+        texts.emplace_back(cookie.asString(true).c_str());
+        texts.back() += found == wanted.names.end() ? "" : " (" + found->second + ")";
     }
-    return listed(names, mostNamed);
+    return texts.empty() ? "" : ": " + listed(texts, mostNamed);
 }
 
 /// Saves the container; `codeSoFar` is the exit code where that finds nothing.
@@ -212,15 +224,15 @@ int addItems(LoadedContainer& container, const WantedItems& wanted,
     }
     tellRepeated(wanted);
     if (!known.empty()) {
-        say("{}: {} in it already, not added again: {}", name, counted(known.size(), "item"),
-            namesOf(known));
+        say("{}: {} in it already, not added again{}", name, counted(known.size(), "item"),
+            behindColon(known, wanted));
     }
     if (asked.dryRun && !canBeSaved(asked.container)) {
         return exitFailure;
     }
     if (asked.dryRun) {
-        say("{}: {} would be added{}{}", name, counted(added.size(), "item"),
-            added.empty() ? "" : ": ", namesOf(added));
+        say("{}: {} would be added{}", name, counted(added.size(), "item"),
+            behindColon(added, wanted));
         return exitCodeOf(wanted);
     }
     if (added.empty() && asked.container != "-") {
@@ -243,9 +255,13 @@ int addItems(LoadedContainer& container, const WantedItems& wanted,
 int createContainer(const ContainerCreation& wanted) {
     const std::unique_ptr<oledb> table = makeTable(wanted);
     WantedItems items;
-    if (!table || !takeArguments(items, wanted.cookies) ||
+    if (!table || !takeArguments(items, wanted.items.cookies) ||
         (!wanted.inPlace && isInTheWay(wanted.container))) {
         return exitUsage;
+    }
+    if (const auto failed = takeTable(items, wanted.items)) {
+        say("{}: not made", nameOf(wanted.container));
+        return *failed;
     }
     for (const Cookie& cookie : items.cookies) {
         appendItem(*table, 0, cookie);
@@ -257,7 +273,8 @@ int createContainer(const ContainerCreation& wanted) {
         return exitFailure;
     }
     if (wanted.dryRun) {
-        say("{}: would be made: {}", nameOf(wanted.container), what);
+        say("{}: would be made: {}{}", nameOf(wanted.container), what,
+            behindColon({items.cookies.begin(), items.cookies.end()}, items));
         return exitCodeOf(items);
     }
     const int code = save(*table, wanted.container, exitCodeOf(items));
@@ -269,15 +286,15 @@ int createContainer(const ContainerCreation& wanted) {
 
 int addToContainer(const ContainerAddition& asked) {
     WantedItems wanted;
-    if (asked.cookies.empty() && asked.from.empty()) {
+    if (asked.items.cookies.empty() && asked.items.from.empty()) {
         sayLine("nothing to add: name cookies, or a table with --from");
         return exitUsage;
     }
-    if (asked.container == "-" && asked.from == "-") {
+    if (asked.container == "-" && asked.items.from == "-") {
         sayLine("standard input can be read only once");
         return exitUsage;
     }
-    if (!takeArguments(wanted, asked.cookies)) {
+    if (!takeArguments(wanted, asked.items.cookies)) {
         return exitUsage;
     }
     tellLeftOver(asked.container);
@@ -286,8 +303,8 @@ int addToContainer(const ContainerAddition& asked) {
     std::optional<int> failed;
     if (!container.table || !container.whole) {
         failed = exitCodeOfNone(container);
-    } else if (!asked.from.empty()) {
-        failed = takeTable(wanted, asked);
+    } else {
+        failed = takeTable(wanted, asked.items);
     }
     if (failed) {
         say("{}: nothing was added", nameOf(asked.container));

@@ -22,13 +22,29 @@ CLI::App* addSubcommand(CLI::App& container, Task& task, const char* name, const
     return command;
 }
 
-void addCookies(CLI::App& command, std::vector<std::string>& cookies) {
+/// A selection without the table that it chooses from makes no sense.
+void selectionNeeds(const CLI::App& command, const CLI::Option& from) {
+    for (const CLI::Option* const option : command.get_options()) {
+        if (option->get_group() == selectionGroup && option->count() > 0 && from.count() == 0) {
+            throw CLI::RequiresError{option->get_name(), from.get_name()};
+        }
+    }
+}
+
+void addItemSource(CLI::App& command, ItemSource& items) {
     command
         .add_option(
-            "COOKIE", cookies,
+            "COOKIE", items.cookies,
             "Items: kind letter, UUID and two hex digits of flags, with or without hyphens; "
             "without the letter of kind U, without flags all set")
         ->type_name("");
+    CLI::Option* const from =
+        command
+            .add_option("--from", items.from,
+                        "Put in the cookies of a table's rows, all of them or a selection")
+            ->type_name("TABLE");
+    addRowOptions(command, items.selection);
+    command.parse_complete_callback([&command, from] { selectionNeeds(command, *from); });
 }
 
 void addDryRun(CLI::App& command, bool& dryRun) {
@@ -39,7 +55,7 @@ void addCreate(CLI::App& container, Task& task) {
     const auto options = std::make_shared<ContainerCreation>();
     CLI::App* const command =
         addSubcommand(container, task, "create", "Make a container", options, createContainer);
-    addCookies(*command, options->cookies);
+    addItemSource(*command, options->items);
     command->add_option("--name", options->name, "The collection's name")
         ->required()
         ->type_name("NAME");
@@ -50,16 +66,10 @@ void addCreate(CLI::App& container, Task& task) {
     command->add_flag("--in-place", options->inPlace, "Allow it to replace a file");
     addDryRun(*command, options->dryRun);
     command->footer("Example:\n  olelog container create selects.sg --name Selects --permanent "
-                    "--attrib Editor=Ines U-5f0c41d2-8a3e-4b57-9d26-1c7e90ab34f8-ff");
-}
-
-/// A selection without the table that it chooses from makes no sense.
-void selectionNeeds(const CLI::App& command, const CLI::Option& from) {
-    for (const CLI::Option* const option : command.get_options()) {
-        if (option->get_group() == selectionGroup && option->count() > 0 && from.count() == 0) {
-            throw CLI::RequiresError{option->get_name(), from.get_name()};
-        }
-    }
+                    "--attrib Editor=Ines U-5f0c41d2-8a3e-4b57-9d26-1c7e90ab34f8-ff\n"
+                    "  olelog import day-12.ale -o day-12.odb --identify\n"
+                    "  olelog container create prints.sg --name Prints --from day-12.odb "
+                    "--where Notes=print");
 }
 
 void addAdd(CLI::App& container, Task& task) {
@@ -67,15 +77,8 @@ void addAdd(CLI::App& container, Task& task) {
     CLI::App* const command = addSubcommand(
         container, task, "add", "Add items to a container, given one by one or chosen from a table",
         options, addToContainer);
-    addCookies(*command, options->cookies);
-    CLI::Option* const from =
-        command
-            ->add_option("--from", options->from,
-                         "Add the cookies of a table's rows, all of them or a selection")
-            ->type_name("TABLE");
+    addItemSource(*command, options->items);
     addDryRun(*command, options->dryRun);
-    addSelectionOptions(*command, options->selection);
-    command->parse_complete_callback([command, from] { selectionNeeds(*command, *from); });
     command->footer("Example:\n  olelog import day-12.ale -o day-12.odb --identify\n"
                     "  olelog container add selects.sg --from day-12.odb --where Scene=31A");
 }

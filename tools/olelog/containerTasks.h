@@ -5,22 +5,28 @@
 #include <string>
 #include <vector>
 
-/// What a person asked of a container. Each task returns the tool's exit code.
+// What a person asked of a container. Each task returns the tool's exit code.
+
+/// Items to put in: cookies one by one, and those of the chosen rows of a table.
+struct ItemSource {
+    std::vector<std::string> cookies;
+    std::string from; ///< a table; "" for none
+    SelectionOptions selection;
+};
+
 struct ContainerCreation {
     std::string container;
     std::string name;
     bool permanent = false;
     std::vector<std::string> attributes; ///< KEY=VALUE each
-    std::vector<std::string> cookies;
+    ItemSource items;
     bool inPlace = false;
     bool dryRun = false;
 };
 
 struct ContainerAddition {
     std::string container;
-    std::vector<std::string> cookies;
-    std::string from; ///< a table; "" for none
-    SelectionOptions selection;
+    ItemSource items;
     bool dryRun = false;
 };
 

@@ -28,3 +28,11 @@ inline LightweightString<wchar_t> written(const std::string& name, std::string_v
     files().write(name, std::string{bytes});
     return files().wide(name);
 }
+
+inline std::unique_ptr<oledb> tableOfFields(const Texts& names) {
+    Columns columns;
+    for (const std::string& name : names) {
+        columns.emplace_back(name.c_str());
+    }
+    return makeTable(columns);
+}

@@ -2,6 +2,7 @@
 // every compiler, and for looking into a finding.
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -21,19 +22,27 @@ void replay(const std::filesystem::path& path) {
     ++replayed;
 }
 
+void replayAll(const std::filesystem::path& path) {
+    if (!std::filesystem::is_directory(path)) {
+        replay(path);
+        return;
+    }
+    for (const auto& entry : std::filesystem::recursive_directory_iterator{path}) {
+        if (entry.is_regular_file()) {
+            replay(entry.path());
+        }
+    }
+}
+
 } // namespace
 
-/// usage: replay_NAME FILE-OR-FOLDER...; exit status 2 where there is nothing to run.
+/// usage: replay_NAME PATH...; a path is a file, a folder, or $VARIABLE of the environment, passed
+/// over where that is not set. Exit status 2 where there is nothing to run.
 int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        if (!std::filesystem::is_directory(argv[i])) {
-            replay(argv[i]);
-            continue;
-        }
-        for (const auto& entry : std::filesystem::recursive_directory_iterator{argv[i]}) {
-            if (entry.is_regular_file()) {
-                replay(entry.path());
-            }
+        const char* const path = argv[i][0] == '$' ? std::getenv(argv[i] + 1) : argv[i];
+        if (path) {
+            replayAll(path);
         }
     }
     std::fprintf(stderr, "%d inputs\n", replayed);

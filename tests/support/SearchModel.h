@@ -77,3 +77,16 @@ private:
     static bool isBreak(char c) { return !isWordChar(c) && c != '_'; }
     static bool isMark(char c) { return c > 32 && c < 127 && !isWordChar(c); }
 };
+
+/// What the model finds where its readings agree, else -1.
+inline int agreed(SearchModel model, const std::string& text, const std::string& pattern) {
+    const int first = model.found(text, pattern);
+    for (int reading = 1; reading < 4; ++reading) {
+        model.goOnBehindFind = (reading & 1) != 0;
+        model.marksChain = (reading & 2) != 0;
+        if (model.found(text, pattern) != first) {
+            return -1;
+        }
+    }
+    return first;
+}

@@ -53,19 +53,6 @@ Texts allTexts(const std::string& alphabet, std::size_t longest) {
     return texts;
 }
 
-/// What the model finds where its readings agree, else -1.
-int agreed(SearchModel model, const std::string& text, const std::string& pattern) {
-    const int first = model.found(text, pattern);
-    for (int reading = 1; reading < 4; ++reading) {
-        model.goOnBehindFind = (reading & 1) != 0;
-        model.marksChain = (reading & 2) != 0;
-        if (model.found(text, pattern) != first) {
-            return -1;
-        }
-    }
-    return first;
-}
-
 TEST(Search, FindsWhatTheSlowSearchFinds) {
     const Texts texts = allTexts("abB:", 5);
     const Texts patterns = allTexts("ab?;", 4);

@@ -76,11 +76,11 @@ run olelog export "$out/day-12.odb" -o "$out/prints.csv" --tagged --fields Scene
 run cat "$out/prints.csv"
 run olelog export "$out/day-12.odb" -o - --format csv --tagged --fields Scene,Shot,Name,Reel,Notes
 
-say "== 10. A container file lists them by their identifiers, under a name."
+say "== 10. A container file lists them by their identifiers, under a name. The table tells which" \
+  "       takes they are."
 rm -f "$out/prints.sg"
-run olelog container create "$out/prints.sg" --name "Prints of day 12"
-run olelog container add "$out/prints.sg" --from "$out/day-12.odb" --tagged
-run olelog info "$out/prints.sg"
+run olelog container create "$out/prints.sg" --name "Prints of day 12" --from "$out/day-12.odb" --tagged
+run olelog container list "$out/prints.sg" --with "$out/day-12.odb"
 
 say "Done. The table is $PWD/$out/day-12.odb" \
   "and the tool is $PWD/build/try/bin/olelog. Try it with a log of your own:" \

@@ -203,6 +203,35 @@ def test_plain_tables_are_no_containers(tmp_path, columns, parameters, lacks):
     assert table.read_bytes() == before
 
 
+def test_list_with_a_table(container):
+    rows = [["x\ny", "31A", short(2), "R1"], ["later", "9", cookie(2), "R2"], ["b", "2", cookie(2, "B"), "R3"], ["c", "", "", ""]]
+    table = write_table(container.parent / "t.odb", ["name", "Shot", "Cookie", "Reel"], rows)
+    expect(0, "container", "add", container, cookie(3), cookie(2, "B"))
+    before = container.read_bytes()
+    items = [{"Note": note, "cookie": c, "n": n} for note, c, n in [("x, y", cookie(1), ""), ('say "x"', cookie(2), "7"), ("", cookie(3), ""), ("", cookie(2, "B"), "")]]
+
+    def told(*words, code=0):
+        result = run("container", "list", container, "--with", table, *words)
+        assert result.returncode == code, messages(result)
+        return result.stdout.decode(), messages(result)
+
+    text, said = told("--json")
+    found = [("", ""), ("x\ny", "31A"), ("", ""), ("b", "2")]
+    assert json.loads(text) == [{**item, "name": name, "Shot": shot} for item, (name, shot) in zip(items, found)]
+    assert said == f"olelog: {table}: no row for 2 of 4 items\n"
+    lines = told("--fields", "reel,Name")[0].splitlines()
+    assert lines[0].split() == ["Note", "cookie", "n", "Reel", "name"] and lines[3].split()[-3:] == ["7", "R1", r"x\ny"]
+    assert 'there is no field "Rel"; did you mean "Reel"?' in told("--fields", "Rel", code=2)[1]
+    assert "--fields requires --with" in expect(2, "container", "list", container, "--fields", "Name")
+    assert "only once" in expect(2, "container", "list", "-", "--with", "-")
+    assert "No such file" in expect(3, "container", "list", container, "--with", "none.odb")
+    table.write_bytes(table.read_bytes() + b'"cut"')
+    assert json.loads(told("--json", code=1)[0])[3]["name"] == "b"
+    assert "has no field Name, Scene or Shot" in expect(2, "container", "list", container, "--with", container)
+    own = expect(0, "container", "list", container, "--with", container, "--fields", "n,cookie")
+    assert own == "" and listing(container)[1] == items[1] and container.read_bytes() == before
+
+
 def test_containers_cut_anywhere(tmp_path):
     path = tmp_path / "c.sg"
     whole = container_text([[cookie(1), "a"], [cookie(2), "b"]], ["Cookie", "n"])

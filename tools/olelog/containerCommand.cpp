@@ -87,8 +87,17 @@ void addQuestions(CLI::App& container, Task& task) {
     const auto list = std::make_shared<ContainerQuestion>();
     CLI::App* const listing = addSubcommand(
         container, task, "list", "Print the items with their attributes", list, listContainer);
+    CLI::Option* const with = listing
+                                  ->add_option("--with", list->with.table,
+                                               "Show beside each item what this table tells of it")
+                                  ->type_name("TABLE");
+    listing
+        ->add_option("--fields", list->with.fields,
+                     "These fields of the table; otherwise Name, Scene and Shot")
+        ->needs(with)
+        ->type_name("A,B");
     listing->add_flag("--json", list->json, "Print an array of objects");
-    listing->footer("Example:\n  olelog container list selects.sg");
+    listing->footer("Example:\n  olelog container list selects.sg --with day-12.odb");
     const auto info = std::make_shared<ContainerQuestion>();
     CLI::App* const telling = addSubcommand(
         container, task, "info", "Tell a container's name and attributes", info, tellOfContainer);

@@ -189,13 +189,22 @@ void printFacts(const OpenContainer& open, const ContainerFacts& facts, Output& 
 } // namespace
 
 int listContainer(const ContainerQuestion& question) {
-    const OpenContainer open = openContainer(question.container);
+    if (question.container == "-" && question.with.table == "-") {
+        sayLine("standard input can be read only once");
+        return exitUsage;
+    }
+    OpenContainer open = openContainer(question.container);
     if (!open) {
         return open.exitCode();
     }
+    int code =
+        question.with.table.empty() ? exitFine : addItemFields(open.container, question.with);
+    if (code != exitFine && code != exitFindings) {
+        return code;
+    }
+    code = std::max(code, open.exitCode());
     spellCookiesAlike(open);
     Output out;
-    int code = open.exitCode();
     if (!question.json) {
         printItems(open, out);
         return out.finish(code);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "itemFields.h"
 #include "selection.h"
 
 #include <string>
@@ -32,6 +33,7 @@ struct ContainerAddition {
 
 struct ContainerQuestion {
     std::string container;
+    ItemRows with; ///< for a list
     bool json = false;
 };
 

@@ -59,7 +59,7 @@ def test_tag(table, way, choice):
 def test_tag_makes_its_column(tmp_path):
     table = write_table(tmp_path / "t.odb", ["A"], [["x"], ["y"]])
     before = table.read_bytes()
-    for code, words in [(0, ["--clear"]), (1, ["--where", "A=z"]), (2, []), (2, ["--all", "--clear"]), (2, ["--where", "B=z"])]:
+    for code, words in [(0, ["--clear"]), (1, ["--where", "A=z"]), (2, []), (2, ["--all", "--clear"]), (2, ["--all", "--where", "A=y"]), (2, ["--all", "--limit", "1"]), (2, ["--where", "B=z"])]:
         expect(code, "tag", table, *words)
         assert table.read_bytes() == before
     expect(0, "tag", table, "--where", "A=y")
@@ -108,9 +108,9 @@ def test_merge(tmp_path):
     ]
     for part in (
         "1 column dropped, which the table has no field for: Lens",
-        'row 4: Start time: "odd" is no timecode',
-        'row 1: Start time: "01:00:00:00" stays; row 1 of',
-        'row 4: Reel: "R2" stays; row 2 of',
+        'row 4, "new": Start time: "odd" is no timecode',
+        'row 1, "a": Start time: "01:00:00:00" stays; row 1 of',
+        'row 4, "b": Reel: "R2" stays; row 2 of',
         "2 added, 2 matched; 4 values filled in, 2 differ and stay",
     ):
         assert part in said, said
@@ -135,7 +135,8 @@ def test_files_are_replaced_whole_or_left_alone(tmp_path, table, command):
     table.chmod(0o640)
     before, names = table.read_bytes(), sorted(p.name for p in tmp_path.iterdir())
     at = {"cwd": tmp_path}
-    assert "nothing was written (--dry-run)" in expect(0, *call("link.odb", command, "--dry-run"), **at)
+    said = expect(0, *call("link.odb", command, "--dry-run"), **at)
+    assert "would be " in said and said.endswith("nothing was written (--dry-run)\n")
 
     def limit():
         resource.setrlimit(resource.RLIMIT_FSIZE, (1024, 1024))

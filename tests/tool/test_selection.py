@@ -138,6 +138,8 @@ def test_named_fields_are_shown_though_empty(tmp_path):
         (["--unique", "Shto"], '"Shot"?'),
         (["--fields", "-Nmae"], '--fields: there is no field "Nmae"; did you mean "Name"?'),
         (["--fields", "quite another"], '"quite another"; olelog info lists'),
+        (["--fields", "TAKE"], "--fields: there is no field \"TAKE\"; a log's Take is the field Shot\n"),
+        (["--where", "Tape=1"], '"Tape"; did you mean "Name"?'),  # no Reel in this table
         (["--fields", ""], "--fields: "),
         (["--fields", "Name,-Name"], "no field is left"),
         (["--where", "Scene"], "FIELD=PATTERN"),
@@ -157,6 +159,16 @@ def test_no_row(tmp_path, table, words):
     for format, printed in [("table", b""), ("csv", b"Shot,Name\r\n"), ("json", b"[\n]\n")]:
         got = run("show", table, *words, "--fields", "Shot,Name", "--format", format)
         assert (got.returncode, got.stdout, messages(got)) == (1, printed, f"olelog: {table}: no row is selected\n")
+
+
+def test_a_cookie_is_found_in_either_form(tmp_path):
+    plain, long = "U17de21a4bf004bb188d2c01f3a5e9b70ff", "U-17de21a4-bf00-4bb1-88d2-c01f3a5e9b70-ff"
+    held = [plain, long, plain.upper(), plain.replace("17", "18"), long[:-2] + "fe", ""]
+    table = write_table(tmp_path / "t.odb", ["Cookie", "Notes"], [[cookie, cookie] for cookie in held])
+    for wanted in (plain, long, long.lower(), long[2:]):
+        assert run("show", table, "--where", f"COOKIE={wanted}", "--format", "csv").stdout.count(b"\r\n") == 4, wanted
+    assert run("show", table, "--where", f"Notes={long}", "--format", "csv").stdout.count(b"\r\n") == 2
+    assert run("show", table, "--where", "Cookie=U17d", "--format", "csv").stdout.count(b"\r\n") == 3
 
 
 def test_tagged_needs_the_field(tmp_path):

@@ -74,6 +74,10 @@ void addEditOptions(CLI::App& command, EditOptions& options) {
     addStrictOption(command, options.strict);
 }
 
+std::string_view wouldBe(const EditOptions& options) {
+    return options.dryRun ? "would be " : "";
+}
+
 int runEdit(const EditOptions& options, const Edit& edit) {
     if (!isOverInput(options) && isForeignFile(options.output)) {
         say("{} exists and is no table", options.output);

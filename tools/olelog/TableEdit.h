@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace CLI {
 class App;
@@ -24,6 +25,9 @@ struct EditOutcome {
     bool changed = false;  ///< otherwise the file stays as it is
     std::string summary{}; ///< said at the end; empty where all has been said
 };
+
+/// "would be " in a dry run, else "": for "3 removed", which there is no fact.
+std::string_view wouldBe(const EditOptions& options);
 
 using Edit = std::function<EditOutcome(oledb& table)>;
 

@@ -9,7 +9,7 @@
 #include "messages.h"
 #include "ole/oledb/oledb.h"
 #include "rowKey.h"
-#include "shownText.h"
+#include "rowNames.h"
 #include "TableEdit.h"
 #include "tableValues.h"
 
@@ -55,22 +55,11 @@ Repeats findRepeats(const oledb& table, const std::vector<unsigned>& columns, bo
     return repeats;
 }
 
-/// What a person knows a row by: its name, or else the first value that it has.
-std::string calledBy(oledb& table, unsigned row) {
-    const int named = table.get_fieldnum("Name");
-    std::string_view text = named >= 0 ? valueOf(table, row, static_cast<unsigned>(named)) : "";
-    for (unsigned col = 0; text.empty() && col < table.get_num_fields(); ++col) {
-        text = valueOf(table, row, col);
-    }
-    return inQuotes(text);
-}
-
 void tell(oledb& table, const Repeats& repeats) {
     Findings lines;
     for (const Repeat& repeat : repeats.rows) {
-        lines.tell(fmt::format("row {}, {}: equals row {}, {}", repeat.row + 1,
-                               calledBy(table, repeat.row), repeat.first + 1,
-                               calledBy(table, repeat.first)));
+        lines.tell(fmt::format("{}: equals {}", rowAndName(table, repeat.row),
+                               rowAndName(table, repeat.first)));
     }
     lines.close();
 }
@@ -114,7 +103,8 @@ EditOutcome dedupe(oledb& table, const DedupeOptions& options) {
     }
     return {.changed = !repeats.rows.empty(),
             .summary = fmt::format(
-                "{}, {} {}{}", rows, repeats.rows.size(), options.tagOnly ? "tagged" : "removed",
+                "{}, {} {}{}{}", rows, repeats.rows.size(), wouldBe(options.edit),
+                options.tagOnly ? "tagged" : "removed",
                 repeats.withoutValue == 0
                     ? ""
                     : fmt::format("; {} without a value, not compared", repeats.withoutValue))};
@@ -136,7 +126,7 @@ void addDedupeCommand(CLI::App& app, Task& task) {
     command->add_flag("--tag-only", options->tagOnly,
                       "Remove nothing: tag the rows that would go, and no others");
     addEditOptions(*command, options->edit);
-    addExample(*command, "olelog dedupe day-12.odb --by Scene --dry-run");
+    addExample(*command, "olelog dedupe day-12.odb --by Name --dry-run");
     command->callback([options, &task] {
         task = [options] {
             return runEdit(options->edit, [&](oledb& table) { return dedupe(table, *options); });

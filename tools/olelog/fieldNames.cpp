@@ -2,8 +2,10 @@
 
 #include "fieldNames.h"
 
+#include "check/knownTitles.h"
 #include "messages.h"
 #include "nearest.h"
+#include "ole/interchange/ALE.h"
 #include "ole/oledb/oledb.h"
 #include "shownText.h"
 #include "tarn/trimmed.h"
@@ -31,6 +33,30 @@ std::string nearestField(oledb& table, const std::string& name) {
     return nearestOf(name, fields);
 }
 
+/// "a log's Take is the field Shot", where an import sends a log's column of this name to another
+/// field: people ask for what they read in the log. "" where it does not. A title is found in any
+/// case.
+std::string whereTitleWent(oledb& table, const std::string& title) {
+    for (const std::string& spelling : {title, nearKnownTitle(title)}) {
+        const int col = ALE::findODBColumnFor(table, spelling.c_str());
+        if (!spelling.empty() && col >= 0) {
+            return fmt::format("a log's {} is the field {}", spelling,
+                               table.get_fieldname(static_cast<unsigned>(col)));
+        }
+    }
+    return {};
+}
+
+/// What helps a person who named a field that there is not.
+std::string hintFor(oledb& table, const std::string& name) {
+    if (std::string went = whereTitleWent(table, name); !went.empty()) {
+        return went;
+    }
+    const std::string nearest = nearestField(table, name);
+    return nearest.empty() ? "olelog info lists those of a table"
+                           : "did you mean " + inQuotes(nearest) + "?";
+}
+
 std::string pieceOf(std::string_view list, std::size_t start, std::size_t end) {
     return std::string{Tarn::trimmed(list.substr(start, end - start))};
 }
@@ -54,10 +80,7 @@ std::optional<unsigned> columnOf(oledb& table, std::string_view option, const st
     if (isField(table, name)) {
         return static_cast<unsigned>(table.get_fieldnum(name.c_str()));
     }
-    const std::string nearest = nearestField(table, name);
-    say("{}: there is no field {}; {}", option, inQuotes(name),
-        nearest.empty() ? "olelog info lists those of a table"
-                        : "did you mean " + inQuotes(nearest) + "?");
+    say("{}: there is no field {}; {}", option, inQuotes(name), hintFor(table, name));
     return std::nullopt;
 }
 

@@ -10,6 +10,7 @@
 #include "messages.h"
 #include "ole/oledb/oledb.h"
 #include "rowKey.h"
+#include "rowNames.h"
 #include "shownText.h"
 #include "TableEdit.h"
 #include "tableFile.h"
@@ -59,7 +60,7 @@ public:
         return true;
     }
 
-    EditOutcome run() {
+    EditOutcome run(const EditOptions& edit) {
         if (!keys_.empty()) {
             fillMatches();
         }
@@ -71,9 +72,10 @@ public:
         const bool lossless = !differences_.any() && !unread_.any();
         return {.code = lossless ? exitFine : exitFindings,
                 .changed = added != 0 || filled_ != 0,
-                .summary = fmt::format("of {} in {}, {} added, {} matched; {} filled in{}",
-                                       counted(rows, "row"), otherName_, added, matched,
-                                       counted(filled_, "value"), differing())};
+                .summary =
+                    fmt::format("of {} in {}, {} {}added, {} matched; {} {}filled in{}",
+                                counted(rows, "row"), otherName_, added, wouldBe(edit), matched,
+                                counted(filled_, "value"), wouldBe(edit), differing())};
     }
 
 private:
@@ -104,9 +106,9 @@ private:
             for (unsigned row = 0; from >= 0 && row < other_.get_num_records(); ++row) {
                 const auto before = valueOf(other_, row, static_cast<unsigned>(from));
                 if (!before.empty() && valueOf(taken_, row, col).empty()) {
-                    unread_.tell(fmt::format("{}: row {}: {}: {} is no timecode and is dropped",
-                                             otherName_, row + 1, table_.get_fieldname(col),
-                                             inQuotes(before)));
+                    unread_.tell(fmt::format("{}: {}: {}: {} is no timecode and is dropped",
+                                             otherName_, rowAndName(other_, row),
+                                             table_.get_fieldname(col), inQuotes(before)));
                 }
             }
         }
@@ -147,9 +149,9 @@ private:
                 continue;
             }
             ++differing_;
-            differences_.tell(fmt::format("row {}: {}: {} stays; row {} of {} has {}", row + 1,
-                                          table_.get_fieldname(col), inQuotes(held), from + 1,
-                                          otherName_, inQuotes(offered)));
+            differences_.tell(fmt::format("{}: {}: {} stays; row {} of {} has {}",
+                                          rowAndName(table_, row), table_.get_fieldname(col),
+                                          inQuotes(held), from + 1, otherName_, inQuotes(offered)));
         }
     }
 
@@ -186,7 +188,7 @@ EditOutcome mergeTables(oledb& table, oledb& other, const std::string& otherName
             return {.code = exitUsage};
         }
     }
-    return merge.take() ? merge.run() : EditOutcome{.code = exitFailure};
+    return merge.take() ? merge.run(options.edit) : EditOutcome{.code = exitFailure};
 }
 
 int runMerge(const MergeOptions& options) {

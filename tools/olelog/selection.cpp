@@ -12,7 +12,10 @@
 #include "ProgressNote.h"
 #include "shownText.h"
 #include "tableValues.h"
+#include "tarn/Ascii.h"
+#include "tarn/Cookie.h"
 #include "tarn/StringFunctions.h"
+#include "tarn/trimmed.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>
@@ -165,7 +168,36 @@ ODBView startingRows(oledb& table, bool tagged) {
     return taggedRows(table, *view);
 }
 
+/// Cookies are stored without hyphens and printed with them: a whole one is found in either form.
+bool asksForCookie(const oledb& table, const Condition& condition) {
+    return static_cast<int>(condition.col) == table.get_fieldnum("Cookie") &&
+           Cookie{condition.pattern.c_str(), false}.valid();
+}
+
+/// A cookie's text in the form in which texts of it can be compared.
+std::string plainCookie(std::string_view text) {
+    std::string plain;
+    for (const char c : Tarn::trimmed(text)) {
+        if (c != '-') {
+            plain += Tarn::toLower(c);
+        }
+    }
+    return plain;
+}
+
+ODBView rowsOfCookie(oledb& table, ODBViewRep& view, const Condition& condition) {
+    const std::string wanted = plainCookie(condition.pattern);
+    for (unsigned row = 0; row < view.get_num_records(); ++row) {
+        const std::string held = plainCookie(valueOf(view, row, condition.col));
+        view.set_tag(row, held.find(wanted) != std::string::npos ? 1 : 0);
+    }
+    return taggedRows(table, view);
+}
+
 ODBView matchesOf(oledb& table, ODBViewRep& view, const Condition& condition) {
+    if (asksForCookie(table, condition)) {
+        return rowsOfCookie(table, view, condition);
+    }
     const std::unique_ptr<dbrecord> query{table.make_dummy_record()};
     query->set_field(static_cast<int>(condition.col), condition.pattern.c_str(), false);
     table.set_query(query.get());

@@ -52,7 +52,8 @@ EditOutcome sortTable(oledb& table, const SortOptions& options) {
     const std::string rows = counted(before.size(), "row");
     return {.changed = moved != 0,
             .summary = moved == 0 ? rows + ", in this order already"
-                                  : fmt::format("{}, {} in another place", rows, moved)};
+                                  : fmt::format("{}, {} {}in another place", rows, moved,
+                                                wouldBe(options.edit))};
 }
 
 } // namespace

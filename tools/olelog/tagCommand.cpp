@@ -73,7 +73,7 @@ void writeTags(oledb& table, const Marks& before, const Marks& after) {
     }
 }
 
-EditOutcome outcomeOf(const Marks& before, const Marks& after) {
+EditOutcome outcomeOf(const Marks& before, const Marks& after, const EditOptions& edit) {
     std::size_t tagged = 0;
     std::size_t gained = 0;
     std::size_t lost = 0;
@@ -83,8 +83,10 @@ EditOutcome outcomeOf(const Marks& before, const Marks& after) {
         lost += before[row] && !after[row] ? 1 : 0;
     }
     return {.changed = gained + lost != 0,
-            .summary = fmt::format("{} of {} tagged; {} got a tag, {} lost it", tagged,
-                                   counted(after.size(), "row"), gained, lost)};
+            .summary = fmt::format("{} of {} {}tagged; {} {} a tag, {} {} it", tagged,
+                                   counted(after.size(), "row"), wouldBe(edit), gained,
+                                   edit.dryRun ? "would get" : "got", lost,
+                                   edit.dryRun ? "would lose" : "lost")};
 }
 
 EditOutcome tagRows(oledb& table, const TagOptions& options) {
@@ -101,7 +103,7 @@ EditOutcome tagRows(oledb& table, const TagOptions& options) {
     for (std::size_t row = 0; row < after.size(); ++row) {
         after[row] = wanted(before[row], chosen[row], options);
     }
-    const EditOutcome outcome = outcomeOf(before, after);
+    const EditOutcome outcome = outcomeOf(before, after, options.edit);
     if (outcome.changed) {
         if (table.get_fieldnum("Tag") < 0 && !hasRoomFor(table, "Tag")) {
             sayLine("the table has no room for a column \"Tag\"");
@@ -128,6 +130,9 @@ void addWays(CLI::App& command, TagOptions& options) {
                          "Turn the tags of the chosen rows over, or of all rows"),
         command.add_flag("--all", options.all, "Tag every row"),
     };
+    for (const char* const choice : {"--where", "--unique", "--tagged", "--limit"}) {
+        ways.back()->excludes(command.get_option(choice));
+    }
     for (CLI::Option* const way : ways) {
         for (CLI::Option* const other : ways) {
             if (way != other) {
@@ -144,8 +149,8 @@ void addTagCommand(CLI::App& app, Task& task) {
     CLI::App* const command = app.add_subcommand(
         "tag", "Tag the chosen rows of a table file, in its column Tag, and no others");
     addEditOptions(*command, options->edit);
-    addWays(*command, *options);
     addRowOptions(*command, options->rows);
+    addWays(*command, *options);
     addExample(*command, "olelog tag day-12.odb --where Notes=print\n"
                          "olelog show day-12.odb --tagged --fields Name,Notes");
     command->callback([options, &task] { task = [options] { return runTag(*options); }; });

@@ -17,6 +17,7 @@
 #include "ole/Tarn/Vector.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
+#include "tarn/trimmed.h"
 
 #include <algorithm>
 #include <string>
@@ -101,6 +102,13 @@ Layout scanHeading(const TextFile& file) {
     return layout;
 }
 
+/// A field that columns go to, and what it holds of the row at hand.
+struct Target {
+    int field;
+    std::size_t firstColumn;
+    std::string value;
+};
+
 /// One import: the table, the log, and where the log's columns go.
 class Import {
 public:
@@ -150,12 +158,27 @@ private:
             const LightweightString<char> column{name};
             const int field = ALE::findODBColumnFor(table_, column);
             if (name == keyNumberColumn) {
-                keyNumberIndex_ = static_cast<int>(fields_.size());
+                keyNumberIndex_ = static_cast<int>(columns_.size());
             }
-            fields_.append(field);
+            columns_.append(targetOf(field));
             noteColumn(column, field);
         }
         keepSharedFieldsOnly();
+    }
+
+    /// The place where the values for a field are joined; -1 for no field.
+    int targetOf(int field) {
+        if (field < 0) {
+            return -1;
+        }
+        const auto known =
+            std::find_if(targets_.begin(), targets_.end(),
+                         [field](const auto& entry) { return entry.field == field; });
+        const auto index = known - targets_.begin();
+        if (known == targets_.end()) {
+            targets_.push_back({field, columns_.size(), {}});
+        }
+        return static_cast<int>(index);
     }
 
     void noteColumn(const LightweightString<char>& column, int field) {
@@ -187,22 +210,22 @@ private:
         }
         pieces_.clear();
         Tarn::splitIf(line, Tarn::IsMatchingChar{'\t'}, pieces_, Tarn::eSplitPlain);
-        if (pieces_.size() > fields_.size()) {
+        if (pieces_.size() > columns_.size()) {
             noteSkipped(lineIndex, ALE::Report::SkipReason::TooManyFields);
             return;
         }
         const int added = table_.add_records(1);
-        const auto row = static_cast<unsigned>(added);
-        if (added < 0) { // the values below go nowhere
+        if (added < 0) {
             noteSkipped(lineIndex, ALE::Report::SkipReason::TableRefused);
-        } else {
-            ++report_.recordsAdded;
-            report_.rowLines.push_back(lineIndex + 1);
+            return;
         }
+        ++report_.recordsAdded;
+        report_.rowLines.push_back(lineIndex + 1);
         for (unsigned i = 0; i < pieces_.size(); ++i) {
-            storePiece(row, i);
+            joinPiece(i);
         }
-        storeFilmLabel(row);
+        storeValues(static_cast<unsigned>(added));
+        storeFilmLabel(static_cast<unsigned>(added));
     }
 
     void noteSkipped(unsigned lineIndex, ALE::Report::SkipReason reason) {
@@ -210,23 +233,28 @@ private:
             {lineIndex + 1, reason, static_cast<unsigned>(pieces_.size())});
     }
 
-    void storePiece(unsigned row, unsigned i) {
-        const int field = fields_[i];
-        if (field < 0) {
+    /// Joined here and stored once: a log may send any number of columns to one field.
+    void joinPiece(unsigned i) {
+        if (columns_[i] < 0) {
             return;
         }
-        value_.clear();
-        const char* const held = table_.get_field(row, field);
-        if (held && *held != '\0') {
-            value_.append(held).append(", ");
-        }
-        value_.append(pieces_[i]);
-        value_.resize(value_.find_last_not_of(' ') + 1);
+        std::string& value = targets_[static_cast<std::size_t>(columns_[i])].value;
+        value.append(value.empty() ? "" : ", ").append(pieces_[i]);
+        value.resize(value.find_last_not_of(' ') + 1);
         if (static_cast<int>(i) == keyNumberIndex_ &&
-            !isEssentiallyEmpty(std::string_view{value_}) && value_ != unknownKeyNumber) {
-            value_ = normalisedKeyNumber(value_);
+            !isEssentiallyEmpty(std::string_view{value}) && value != unknownKeyNumber) {
+            value = normalisedKeyNumber(value);
         }
-        table_.set_field(row, static_cast<unsigned>(field), value_.c_str());
+        value.erase(0, value.size() - Tarn::trimmedFront(value).size()); // as tables store it
+    }
+
+    void storeValues(unsigned row) {
+        for (Target& target : targets_) {
+            if (target.firstColumn < pieces_.size()) {
+                table_.set_field(row, static_cast<unsigned>(target.field), target.value.c_str());
+                target.value.clear();
+            }
+        }
     }
 
     void storeFilmLabel(unsigned row) {
@@ -240,10 +268,10 @@ private:
     ALE::Report& report_;
     TextFile file_;
     Layout layout_;
-    Vector<int> fields_;
+    Vector<int> columns_; // for each its target, or -1
+    std::vector<Target> targets_;
     int keyNumberIndex_ = -1;
     Pieces pieces_;
-    std::string value_;
 };
 
 } // namespace

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <sstream>
 
@@ -196,6 +197,21 @@ TEST_F(Ale, ValuesAreJoinedAndTrimmed) {
               (std::vector<LightweightString<char>>{"Note", "notes", "NOTES"}));
     EXPECT_EQ(rowsFrom(columns, "Name>dropped", {"x>y", "  >  x"}), (Rows{{"", "x"}, {"", ""}}));
     EXPECT_EQ(report_.columnsWithoutField, (std::vector<LightweightString<char>>{"dropped"}));
+}
+
+TEST_F(Ale, ManyColumnsOfOneFieldTakeNoLongerThanOthers) {
+    constexpr std::size_t n = 200'000;
+    std::string names = "Note";
+    std::string values = "x";
+    for (std::size_t i = 1; i < n; ++i) {
+        names += ">Note";
+        values += ">x";
+    }
+    const auto table = makeTable({"notes"});
+    const std::clock_t start = std::clock();
+    EXPECT_TRUE(import(*table, logOf({}, names, {values})));
+    EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC) << "each value copied all before it";
+    EXPECT_EQ(std::string{table->get_field(0, 0)}.size(), 3 * n - 2);
 }
 
 TEST_F(Ale, FilmFormats) {

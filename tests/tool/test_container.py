@@ -190,8 +190,8 @@ def test_bad_containers(tmp_path, text, told):
 @pytest.mark.parametrize(
     "columns, parameters, lacks",
     [
-        (["Name", "Cookie"], ["OLEDB:Rev 1", "FPS:25"], 'no parameter "Name" or "Permanent"; "olelog show"'),
-        (["Name"], ["OLEDB:Rev 1", "Name:n"], 'no column "Cookie"; "olelog show"'),
+        (["Name", "Cookie"], ["OLEDB:Rev 1", "FPS:25"], 'no parameter Name or Permanent; olelog show'),
+        (["Name"], ["OLEDB:Rev 1", "Name:n"], 'no column Cookie; olelog show'),
     ],
 )
 def test_plain_tables_are_no_containers(tmp_path, columns, parameters, lacks):

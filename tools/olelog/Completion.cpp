@@ -57,14 +57,18 @@ CLI::App* subcommand(const CLI::App& command, const std::string& word) {
     return all.empty() ? nullptr : const_cast<CLI::App*>(all.front());
 }
 
-void passWord(Place& place, const std::string& word) {
-    const CLI::Option* const waiting = std::exchange(place.valueOf, nullptr);
-    if (waiting && word == "=") { // some shells part --option=value in three
-        place.valueOf = waiting;
-    } else if (waiting && waiting->check_lname("from")) {
+/// Passes a word that stands where an option's value is expected.
+void passValue(Place& place, const CLI::Option& option, const std::string& word) {
+    if (word == "=") { // some shells part --option=value in three
+        place.valueOf = &option;
+    } else if (option.check_lname("from")) {
         place.file = word; // the table that is chosen from
-    } else if (waiting) {
-        return;
+    }
+}
+
+void passWord(Place& place, const std::string& word) {
+    if (const CLI::Option* const waiting = std::exchange(place.valueOf, nullptr)) {
+        passValue(place, *waiting, word);
     } else if (word == "--") {
         place.optionsEnded = true;
     } else if (isOption(word) && !place.optionsEnded) {

@@ -73,10 +73,8 @@ bool takeItems(const LoadedTable& loaded, const InputFile& file, LoadedContainer
 }
 
 void sayPlainTable(const InputFile& file, const oledb& table) {
-    say("{}: is a table, but no container: it has no {}; \"olelog show\" prints its rows",
-        file.name(),
-        table.get_fieldnum(cookieColumn) < 0 ? "column \"Cookie\""
-                                             : "parameter \"Name\" or \"Permanent\"");
+    say("{}: is a table, but no container: it has no {}; olelog show prints its rows", file.name(),
+        table.get_fieldnum(cookieColumn) < 0 ? "column Cookie" : "parameter Name or Permanent");
 }
 
 } // namespace

@@ -66,8 +66,14 @@ std::optional<Condition> conditionOf(oledb& table, const std::string& text) {
         say("--where {}: should be FIELD=PATTERN", inQuotes(text));
         return std::nullopt;
     }
-    const auto col = columnOf(table, "--where", text.substr(0, sign));
-    return col ? std::optional{Condition{*col, text.substr(sign + 1)}} : std::nullopt;
+    std::string name = text.substr(0, sign);
+    std::string pattern = text.substr(sign + 1);
+    if (name.ends_with(' ') && table.get_fieldnum(name.c_str()) < 0) { // 'Notes = print'
+        name = Tarn::trimmed(name);
+        pattern = Tarn::trimmedFront(pattern);
+    }
+    const auto col = columnOf(table, "--where", name);
+    return col ? std::optional{Condition{*col, std::move(pattern)}} : std::nullopt;
 }
 
 bool takeConditions(oledb& table, const SelectionOptions& options, Wish& wish) {
@@ -260,11 +266,13 @@ ODBView emptyView(oledb& table) {
 
 void addRowOptions(CLI::App& command, SelectionOptions& options) {
     command
-        .add_option("--where", options.where,
-                    "Only rows whose field holds the pattern, wherever it stands and in any case; "
-                    "? is any character. Given several times, all must match. Of a start or end "
-                    "field (Start time, End keycode, ...): rows whose range begins with it or "
-                    "holds it")
+        .add_option(
+            "--where", options.where,
+            "Only rows whose field holds the pattern, wherever it stands, letters A to Z in "
+            "any case; ? is any byte, of which an accented letter has two. Given several times, "
+            "all must match. Of a start or end "
+            "field (Start time, End keycode, ...): rows whose range begins with it or "
+            "holds it")
         ->allow_extra_args(false)
         ->type_name("FIELD=PATTERN")
         ->group(selectionGroup);

@@ -28,7 +28,8 @@ void checkLines(const CheckedLog& log, FindingList& findings) {
     }
     for (unsigned line = 2; line < log.head().words.column; ++line) {
         const std::string_view text = Tarn::trimmed(log.text(line));
-        if (piecesOfHeading(log.text(line)).size() == 1 && text.find(' ') != text.npos) {
+        if (piecesOfHeading(log.text(line)).size() == 1 &&
+            text.find(' ') != std::string_view::npos) {
             findings.add(finding::headingLine, log.number(line),
                          fmt::format("{} is not taken: there is no tab between a name and a value",
                                      inQuotes(text)));

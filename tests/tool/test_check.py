@@ -7,7 +7,7 @@ import random
 import re
 
 import pytest
-from olelog import csv_rows, expect, info, leftovers, log_text, messages, run, shell, table_text
+from olelog import csv_rows, expect, info, leftovers, log_text, messages, run, shell, table_text, write_log
 
 TITLES = ["Name", "Tracks", "Start", "End", "Tape", "Note", "KN Start"]
 ROWS = [
@@ -266,7 +266,7 @@ def test_findings_are_what_the_import_loses_and_mending_keeps_it(tmp_path, seed)
             break_cells(pick, titles, rows)
         broken, encoding = break_text(pick, log_text(titles, rows).decode())
         names, pairs, cells = read_plainly(broken.decode(encoding))
-        told = check(tmp_path, broken, "--fix", tmp_path / "mended.ale")["findings"]
+        told = check(tmp_path, broken, "--fix", tmp_path / "mended.ale", "--in-place")["findings"]
         context = f"seed {seed}, round {number}: {broken!r}\n{told}"
 
         result = run("import", tmp_path / "a.ale", "-o", tmp_path / "a.odb")
@@ -297,8 +297,11 @@ def test_mended_log_replaces_only_what_it_may(tmp_path):
     log.write_bytes(CR_ONLY)
     table.write_bytes(table_text(["Name"], [["A"]]))
     assert "would be replaced" in expect(2, "check", log, "--fix", log)
-    assert "is no log" in expect(2, "check", log, "--fix", table)
-    assert log.read_bytes() == CR_ONLY and b"OLEDB" in table.read_bytes()
+    other = write_log(tmp_path / "b.ale", ["Name"], [["B"]])
+    before = other.read_bytes()
+    for file in (table, other):
+        assert "exists; --in-place" in expect(2, "check", log, "--fix", file)
+    assert log.read_bytes() == CR_ONLY and b"OLEDB" in table.read_bytes() and other.read_bytes() == before
     log.chmod(0o640)
     expect(1, "check", log, "--fix", log, "--in-place")
     assert log.read_bytes() == CLEAN and log.stat().st_mode & 0o777 == 0o640
@@ -332,7 +335,7 @@ def test_bytes_of_other_encodings_are_converted_and_listed(tmp_path):
     assert (tmp_path / "m.ale").read_bytes() == CLEAN + "5\tV\t\t\t\tñ\t\n".encode()
     for options in ([], ["--encoding", "MACINTOSH"]):
         mac = CLEAN.decode().replace("\n", "\r" if not options else "\n").encode("mac-roman")
-        check(tmp_path, mac, "--fix", tmp_path / "m.ale", *options)
+        check(tmp_path, mac, "--fix", tmp_path / "m.ale", "--in-place", *options)
         assert (tmp_path / "m.ale").read_bytes() == CLEAN
     assert "no encoding" in expect(2, "check", tmp_path / "a.ale", "--encoding", "nonsense")
 
@@ -369,7 +372,7 @@ def test_any_bytes_are_taken_for_what_they_are(tmp_path, seed):
             at = pick.randrange(len(text))
             text[at : at + pick.choice([0, 1, 7])] = pick.choice([b"\t", b"\n", b"\r", b"\0", b"\xff", b"Data", b"Column", b"\t\t"])
         (tmp_path / "a.ale").write_bytes(text)
-        result = run("check", tmp_path / "a.ale", "--fix", tmp_path / "m.ale")
+        result = run("check", tmp_path / "a.ale", "--fix", tmp_path / "m.ale", "--in-place")
         assert result.returncode in (0, 1, 3), (text, messages(result))
         if result.returncode != 3:
             assert run("import", tmp_path / "m.ale", "-o", tmp_path / "t.odb").returncode != 3 or (

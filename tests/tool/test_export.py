@@ -9,7 +9,7 @@ import sqlite3
 import subprocess
 
 import pytest
-from olelog import csv_rows, expect, info, leftovers, messages, run, write_table
+from olelog import csv_rows, expect, info, leftovers, log_text, messages, run, write_table
 
 FOLDER = os.environ.get("OLE_REAL_LOGS")
 SAMPLES = os.path.join(os.path.dirname(__file__), "..", "..", "samples")
@@ -139,6 +139,21 @@ def test_what_makes_no_sense(tmp_path, table, words, told):
     before = table.read_bytes()
     assert told in expect(2, "export", "t.odb", *words, cwd=tmp_path)
     assert table.read_bytes() == before and os.listdir(tmp_path) == ["t.odb"]
+
+
+def test_a_log_is_not_replaced_by_mistake(tmp_path, table):
+    """Whatever its encoding and its line ends; an export that stands there is."""
+    log, words = tmp_path / "a.ale", ["export", table, "--format", "json", "-o"]
+    text = log_text(["Name"], [["A"]]).decode()
+    for old in (text.encode(), text.encode("utf-16"), text.replace("\n", "\r").encode(), text.split("\n", 1)[1].encode()):
+        log.write_bytes(old)
+        assert "is a log; --in-place" in expect(2, *words, log) and log.read_bytes() == old
+    for old in (b"", b'[\n]\n', b"Name,Heading\r\nColumn,x\r\n", b"Headings\n"):
+        log.write_bytes(old)
+        expect(0, *words, log)
+        assert log.read_bytes().startswith(b"[\n  {")
+    log.write_text(text)
+    expect(0, *words, log, "--in-place")
 
 
 @pytest.mark.parametrize("format", ["csv", "rfc4180", "json"])

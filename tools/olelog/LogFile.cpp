@@ -11,13 +11,17 @@
 #include "tarn/trimmed.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fmt/format.h>
+#include <fstream>
 #include <map>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace {
 
+constexpr std::string_view headingWord = "Heading";
 constexpr std::string_view columnWord = "Column";
 constexpr std::string_view dataWord = "Data";
 constexpr std::size_t bytesToJudge = 256;
@@ -200,10 +204,35 @@ private:
     LogWords words_;
 };
 
+/// Whether a file's first line is "Heading", the zero bytes and marks of Unicode aside.
+bool beginsWithHeading(std::istream& file) {
+    std::string word;
+    char byte = '\0';
+    while (word.size() <= headingWord.size() && file.get(byte)) {
+        const bool isMark =
+            std::string_view{"\xEF\xBB\xBF\xFF\xFE"}.find(byte) != std::string::npos;
+        word += byte == '\0' || isMark ? std::string{} : std::string{byte};
+    }
+    return compareIgnoringCase(Tarn::trimmed(std::string_view{word}), headingWord) == 0;
+}
+
 } // namespace
 
 LogHead readLogHead(const InputFile& log) {
     return HeadReader{log}.read();
+}
+
+bool isLogFile(const std::string& path) {
+    std::error_code failed;
+    std::ifstream file{path, std::ios::binary};
+    if (!file || !std::filesystem::is_regular_file(path, failed)) {
+        return false;
+    }
+    if (beginsWithHeading(file)) {
+        return true;
+    }
+    const auto log = InputFile::open(path);
+    return log && readLogHead(*log).refusal.empty();
 }
 
 std::vector<std::string> parametersNotTaken(const LogHead& head, const oledb& table) {

@@ -45,6 +45,9 @@ struct LogHead {
 /// Reads the head of a log; finds out why it cannot be taken, where it cannot.
 LogHead readLogHead(const InputFile& log);
 
+/// Whether a path leads to a log, or to a file that begins as one, in whatever encoding.
+bool isLogFile(const std::string& path);
+
 /// Names of the heading's parameters that the table did not take, as it holds no more.
 std::vector<std::string> parametersNotTaken(const LogHead& head, const oledb& table);
 

@@ -48,15 +48,10 @@ struct CheckOptions {
 
 using Json = nlohmann::ordered_json;
 
-/// Whether a file holds something that is no log, so that a log should not take its place.
-bool isNoLog(const std::string& path) {
+bool holdsSomething(const std::string& path) {
     std::error_code failed;
-    if (!std::filesystem::is_regular_file(path, failed) ||
-        std::filesystem::file_size(path, failed) == 0 || failed) {
-        return false;
-    }
-    const auto file = InputFile::open(path);
-    return !file || !readLogHead(*file).refusal.empty();
+    return std::filesystem::is_regular_file(path, failed) &&
+           std::filesystem::file_size(path, failed) != 0 && !failed;
 }
 
 bool targetMakesSense(const CheckOptions& options) {
@@ -69,8 +64,8 @@ bool targetMakesSense(const CheckOptions& options) {
         say("{} would be replaced by its mended copy; --in-place allows that", target);
         return false;
     }
-    if (!overLog && !options.inPlace && isNoLog(target)) {
-        say("{} exists and is no log; --in-place allows to replace it", target);
+    if (!overLog && !options.inPlace && holdsSomething(target)) {
+        say("{} exists; --in-place allows to replace it", target);
         return false;
     }
     return true;
@@ -290,6 +285,6 @@ void addCheckCommand(CLI::App& app, Task& task) {
         ->allow_extra_args(false);
     command->add_flag("--json", options->json, "Print the findings and changes as JSON");
     command->add_flag("--in-place", options->inPlace,
-                      "Allow the copy to replace the log, or another file that is no log");
+                      "Allow the copy to replace the log, or another file");
     command->callback([options, &task] { task = [options] { return runCheck(*options); }; });
 }

@@ -5,6 +5,7 @@
 #include "dataFormats.h"
 #include "fieldMaps.h"
 #include "files.h"
+#include "LogFile.h"
 #include "messages.h"
 #include "moduleCsv.h"
 #include "ole/oledb/oledb.h"
@@ -70,6 +71,9 @@ std::string whyNonsense(const ExportOptions& options, const std::string& format)
     }
     if (!options.inPlace && options.output != "-" && isTableFile(options.output)) {
         return options.output + " is a table; --in-place allows to replace it";
+    }
+    if (!options.inPlace && options.output != "-" && isLogFile(options.output)) {
+        return options.output + " is a log; --in-place allows to replace it";
     }
     return {};
 }
@@ -242,7 +246,7 @@ void addExportCommand(CLI::App& app, Task& task) {
         ->needs(fields);
     command->add_flag("--all-fields", options->allFields, "Pass over the field map that FILE has")
         ->excludes(fields);
-    command->add_flag("--in-place", options->inPlace, "Allow OUT to replace a table file");
+    command->add_flag("--in-place", options->inPlace, "Allow OUT to replace a table file or a log");
     addStrictOption(*command, options->strict);
     addExample(*command, "olelog export day-12.odb -o prints.csv --where Notes=print --fields "
                          "Name,Reel,Notes");

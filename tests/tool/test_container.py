@@ -289,5 +289,7 @@ def test_examples_of_the_help(tmp_path):
         examples = re.findall("^  (olelog .*)$", text.split("Example:\n")[1], re.MULTILINE)
         assert examples and text.endswith(examples[-1] + "\n")
         for example in examples:
+            if shlex.split(example)[1] == "import":  # a table with identifiers is not written over
+                (tmp_path / "day-12.odb").unlink(missing_ok=True)
             expect(0, *shlex.split(example)[1:], cwd=tmp_path)
     assert len(listing(tmp_path / "selects.sg")) == 1 + len([r for r in csv_rows(tmp_path / "day-12.odb") if "31A" in r["Scene"]])

@@ -5,7 +5,7 @@ import resource
 import stat
 
 import pytest
-from olelog import csv_rows, expect, leftovers, messages, run, write_log, write_table
+from olelog import csv_rows, expect, leftovers, messages, run, table_text, write_log, write_table
 from test_selection import CHOICES, COLUMNS, ROWS, TYPES, chosen, options
 
 
@@ -142,7 +142,7 @@ def test_files_are_replaced_whole_or_left_alone(tmp_path, table, command):
         resource.setrlimit(resource.RLIMIT_FSIZE, (1024, 1024))
 
     assert "File too large" in expect(3, *call("t.odb", command), preexec_fn=limit, **at)
-    assert "No such file" in expect(3, *call("t.odb", command, "-o", "no/x.odb"), **at)
+    assert "there is no folder no;" in expect(3, *call("t.odb", command, "-o", "no/x.odb"), **at)
     write_log(tmp_path / "log.ale", ["Name"], [["n"]])
     assert "is no table" in expect(2, *call("t.odb", command, "-o", "log.ale"), **at)
     os.remove(tmp_path / "log.ale")
@@ -156,6 +156,51 @@ def test_files_are_replaced_whole_or_left_alone(tmp_path, table, command):
     assert table.read_bytes() == before + b'"short"\r\n'
     expect(1, *call("t.odb", command, "-o", "new.odb"), **at)
     assert (tmp_path / "new.odb").read_bytes() == piped.stdout
+
+
+def test_what_people_put_there_is_not_replaced_by_mistake(tmp_path):
+    """A container, and tags or identifiers of another table; a plain table is, and that is told."""
+    log = write_log(tmp_path / "a.ale", ["Name"], [["A"], ["B"]])
+    source = write_table(tmp_path / "s.odb", ["Name"], [["b"], ["a"]])
+    write_table(tmp_path / "other.odb", ["Name"], [["c"]])
+    columns, named = ["Cookie", "Name", "Tag"], ["OLEDB:Rev 1", "Name:K"]
+    plain = table_text(columns, [["", "x", "0"], ["", "y", ""]])
+    kept = {
+        "is a container with 2 items": table_text(["Cookie"], [["U" + "0" * 33 + f"{i}"] for i in range(2)], named),
+        "holds 1 tagged row and 2 identifiers": table_text(columns, [["c", "x", "7"], ["d", "y", "0"]]),
+        "holds 1 identifier": table_text(columns[:1], [["c"], [""]]),
+        "holds 2 tagged rows": table_text(columns[1:], [["x", "1"], ["y", "2"], ["z", "none"]]),
+    }
+    out = tmp_path / "out.odb"
+    commands = [["import", log], ["save", source], ["sort", source, "--by", "Name"], ["merge", source, tmp_path / "other.odb"]]
+    for command in commands:
+        out.write_bytes(plain)
+        assert "replaced " in (said := expect(0, *command, "-o", out)) and "out.odb, which held 2 rows" in said
+        assert ("out.odb: written; " in said) == (command[0] in ("sort", "merge"))
+        written = out.read_bytes()
+        for told, text in kept.items():
+            out.write_bytes(text)
+            assert f"{told}, which would go; --in-place allows that" in expect(2, *command, "-o", out)
+            assert out.read_bytes() == text
+            expect(0, *command, "-o", out, "--in-place")
+            assert out.read_bytes() == written
+    out.write_bytes(container := next(iter(kept.values())))
+    for command in [["import", log, "--append", "-o", out], *(call(out, c) for c in COMMANDS[:3]), ["merge", out, source]]:
+        assert "is a container" in expect(2, *command, cwd=tmp_path) and out.read_bytes() == container
+
+
+def test_rows_that_are_added_again_are_named(tmp_path):
+    log, table = write_log(tmp_path / "a.ale", ["Name", "Notes"], [["A", "x"], ["B", ""], ["C", ""]]), tmp_path / "a.odb"
+    assert "already" not in expect(0, "import", log, "-o", table, "--identify")
+    expect(0, "tag", table, "--where", "Name=B")
+    write_log(log, ["Name", "Notes"], [["A", "x"], ["new", ""], ["C", ""], ["B", ""], ["a", "x"], ["new", ""]])
+    assert "3 rows stand in the table already, with all the same values, and added again: line 10, 12-13" in expect(
+        1, "import", log, "-o", table, "--append"
+    )
+    assert len(csv_rows(table)) == 9
+    other = write_table(tmp_path / "o.odb", ["Cookie", "Name", "Notes"], [["Q", "A", "x"], ["", "A", ""], ["", "", ""]])
+    assert "o.odb: 1 row stands in the table already" in (said := expect(1, "merge", table, other)) and "row 1; --by" in said
+    assert "already" not in expect(1, "merge", table, other, "--by", "Name")
 
 
 def test_strict_writes_nothing_that_would_change(tmp_path):

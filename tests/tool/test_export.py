@@ -169,7 +169,7 @@ def test_writing_that_fails(tmp_path, format):
     words = ["--format", format, "--fields", "Note,Name"]
     assert "File too large" in expect(3, "export", table, "-o", x, *words, preexec_fn=limit)
     assert "No space left" in expect(3, "export", table, "-o", "/dev/full", *words)
-    assert "No such file" in expect(3, "export", table, "-o", tmp_path / "no" / "x.csv", *words)
+    assert "there is no folder" in expect(3, "export", table, "-o", tmp_path / "no" / "x.csv", *words)
     assert "Is a directory" in expect(3, "export", table, "-o", tmp_path, *words)
     assert "cannot be read" in expect(3, "export", tmp_path / "none.odb", "-o", x, *words)
     assert x.read_bytes() == b"old\n" and table.read_bytes() == before and sorted(os.listdir(tmp_path)) == names

@@ -123,7 +123,7 @@ def test_links_stay_links(tmp_path, log):
 
 
 def test_places_that_cannot_be_written(tmp_path, log):
-    assert "No such file or directory" in expect(3, "import", log, "-o", tmp_path / "none" / "a.odb")
+    assert "there is no folder" in expect(3, "import", log, "-o", tmp_path / "none" / "a.odb")
     assert "Is a directory" in expect(3, "import", log, "-o", tmp_path)
     (tmp_path / "circle").symlink_to("circle")
     assert "symbolic links" in expect(3, "import", log, "-o", tmp_path / "circle")

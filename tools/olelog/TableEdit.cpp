@@ -4,8 +4,10 @@
 #include "TableEdit.h"
 
 #include "checkedSave.h"
+#include "ContainerTable.h"
 #include "files.h"
 #include "messages.h"
+#include "ReplacedFile.h"
 #include "tableFile.h"
 
 #include <CLI/CLI.hpp>
@@ -51,7 +53,8 @@ int finish(oledb& table, const EditOptions& options, const EditOutcome& outcome)
     }
     if (!outcome.summary.empty()) {
         const bool said = options.dryRun && !alone;
-        say("{}: {}{}", nameOf(targetOf(options)), outcome.summary,
+        const bool elsewhere = !options.dryRun && !isOverInput(options) && options.output != "-";
+        say("{}: {}{}{}", nameOf(targetOf(options)), elsewhere ? "written; " : "", outcome.summary,
             said ? "; nothing was written (--dry-run)" : "");
     }
     return outcome.code == exitFine ? code : outcome.code;
@@ -71,6 +74,9 @@ void addEditOptions(CLI::App& command, EditOptions& options) {
                     "Write the result here and leave TABLE as it is; - is standard output")
         ->type_name("OUT");
     command.add_flag("--dry-run", options.dryRun, "Tell what would change, and change nothing");
+    command.add_flag("--in-place", options.inPlace,
+                     "Allow OUT to replace a file that is no table, a container, or a table with "
+                     "tags or identifiers");
     addStrictOption(command, options.strict);
 }
 
@@ -79,14 +85,19 @@ std::string_view wouldBe(const EditOptions& options) {
 }
 
 int runEdit(const EditOptions& options, const Edit& edit) {
-    if (!isOverInput(options) && isForeignFile(options.output)) {
-        say("{} exists and is no table", options.output);
+    const ReplacedFile target{isOverInput(options) ? "-" : options.output};
+    if (target.standsInTheWay(options.inPlace)) {
         return exitUsage;
     }
     const auto file = InputFile::open(options.file);
     const LoadedTable loaded = file ? loadTable(*file) : LoadedTable{};
     if (!loaded.table) {
         return exitFailure;
+    }
+    if (isContainer(*loaded.table)) {
+        say("{} is a container, not a table of takes; \"olelog container\" adds items to it",
+            file->name());
+        return exitUsage;
     }
     if (isOverInput(options) && !loaded.whole) {
         say("{}: not written, for what could not be read would be lost; -o OUT takes the rest",
@@ -98,5 +109,8 @@ int runEdit(const EditOptions& options, const Edit& edit) {
         return outcome.code;
     }
     const int code = finish(*loaded.table, options, outcome);
+    if (code != exitFailure && !options.dryRun) {
+        target.tell();
+    }
     return code == exitFine && !loaded.whole ? exitFindings : code;
 }

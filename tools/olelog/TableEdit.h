@@ -17,6 +17,7 @@ struct EditOptions {
     std::string output; ///< empty: the file itself
     bool dryRun = false;
     bool strict = false;
+    bool inPlace = false; ///< whether `output` may replace what should stay
 };
 
 /// What a command did to a table in memory.

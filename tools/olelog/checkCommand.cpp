@@ -6,6 +6,7 @@
 
 #include "check/decodedText.h"
 #include "check/logCheck.h"
+#include "checkedSave.h"
 #include "Command.h"
 #include "files.h"
 #include "LogFile.h"
@@ -193,7 +194,7 @@ private:
             return false;
         }
         if (const int error = writeFile(log.mended.text())) {
-            say("{}: cannot be written: {}; nothing was changed", targetName(), reasonText(error));
+            cannotWrite(options_.fixed, error);
             return false;
         }
         for (const MendedLog::Change& change : log.mended.changes) {

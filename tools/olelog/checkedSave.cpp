@@ -16,8 +16,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <memory>
 #include <optional>
+#include <system_error>
 
 namespace {
 
@@ -58,8 +60,12 @@ int finish(const SaveTarget& place, TemporaryFile& written, const std::string& t
 } // namespace
 
 int cannotWrite(const std::string& name, int error) {
+    std::error_code failed;
+    const std::string folder = std::filesystem::path{name}.parent_path().string();
+    const bool lacksFolder =
+        error == ENOENT && !folder.empty() && !std::filesystem::exists(folder, failed);
     say("{}: cannot be written: {}; nothing was changed", name == "-" ? "standard output" : name,
-        reasonText(error));
+        lacksFolder ? fmt::format("there is no folder {}", folder) : reasonText(error));
     return exitFailure;
 }
 

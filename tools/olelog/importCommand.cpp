@@ -4,6 +4,7 @@
 // the module sends the logs' columns to them; with --all-columns the others get columns of their
 // own.
 
+#include "check/FindingList.h"
 #include "checkedSave.h"
 #include "Command.h"
 #include "extraColumns.h"
@@ -13,6 +14,8 @@
 #include "messages.h"
 #include "ole/interchange/ALE.h"
 #include "ole/oledb/oledb.h"
+#include "repeatedRows.h"
+#include "ReplacedFile.h"
 #include "shownText.h"
 #include "standardFields.h"
 #include "tableFile.h"
@@ -69,16 +72,26 @@ bool usageMakesSense(const ImportOptions& options) {
         say("{} is a log and would become the table; --in-place allows that", options.output);
         return false;
     }
-    if (!options.append && !options.inPlace && isForeignFile(options.output)) {
-        say("{} exists and is no table; --in-place allows to replace it", options.output);
-        return false;
-    }
     return true;
+}
+
+/// Whether rows of logs would go where they should not; says so.
+bool isKept(const ReplacedFile& target, const ImportOptions& options) {
+    if (!options.append) {
+        return target.standsInTheWay(options.inPlace);
+    }
+    if (target.isContainer() && !options.inPlace) {
+        say("{} is a container, and rows of logs are no items; --in-place allows to append them",
+            options.output);
+        return true;
+    }
+    return false;
 }
 
 class ImportJob {
 public:
-    explicit ImportJob(const ImportOptions& options) : options_{options} {}
+    ImportJob(const ImportOptions& options, const ReplacedFile& target)
+        : options_{options}, target_{target} {}
 
     int run() {
         if (!openLogs() || !prepareTable()) {
@@ -148,6 +161,7 @@ private:
             return false;
         }
         table_ = std::move(loaded.table);
+        rowsBefore_ = table_->get_num_records();
         return true;
     }
 
@@ -249,6 +263,7 @@ private:
             summaryOf(log.head, report, droppedColumns(report),
                       options_.allColumns ? "without room" : "dropped"));
         tellParameters(log, before);
+        tellRepeated(log, firstRow, report);
         findings_ = findings_ || !report.skippedLines.empty() || !log.head.shiftedLines.empty() ||
                     !log.head.zeroLines.empty();
         if (report.recordsAdded == 0 && !report.skippedLines.empty()) {
@@ -257,6 +272,21 @@ private:
             return false;
         }
         return true;
+    }
+
+    void tellRepeated(const Log& log, unsigned firstRow, const ALE::Report& report) {
+        if (!appending_) {
+            return;
+        }
+        std::vector<unsigned> lines;
+        for (const unsigned row : repeatedRows(*table_, rowsBefore_, *table_, firstRow)) {
+            lines.push_back(report.rowLines[row - firstRow]);
+        }
+        if (!lines.empty()) {
+            say("{}: {} in the table already, with all the same values, and added again: line {}",
+                log.file.name(), counted(lines.size(), "row stands", "rows stand"), runsOf(lines));
+            findings_ = true;
+        }
     }
 
     /// Fills the columns that the module does not find by the logs' titles, as it fills others.
@@ -359,13 +389,18 @@ private:
                 counted(table_->get_num_records(), "row"),
                 counted(table_->get_num_fields(), "column"));
         }
+        if (!appending_) {
+            target_.tell();
+        }
         return findings_ ? exitFindings : code;
     }
 
     const ImportOptions& options_;
+    const ReplacedFile& target_;
     std::vector<Log> logs_;
     std::unique_ptr<oledb> table_;
     bool appending_ = false;
+    unsigned rowsBefore_ = 0; // in the table that is appended to
     ExtraColumns extra_;
     std::set<std::string> emptyTitles_; // their fields were left out for want of values
     RowOrigins origins_;
@@ -374,7 +409,14 @@ private:
 };
 
 int runImport(const ImportOptions& options) {
-    return usageMakesSense(options) ? ImportJob{options}.run() : exitUsage;
+    if (!usageMakesSense(options)) {
+        return exitUsage;
+    }
+    const ReplacedFile target{options.output};
+    if (isKept(target, options)) {
+        return exitUsage;
+    }
+    return canBeSaved(options.output) ? ImportJob{options, target}.run() : exitFailure;
 }
 
 } // namespace
@@ -393,8 +435,10 @@ void addImportCommand(CLI::App& app, Task& task) {
     command->add_flag("--identify", options->identify,
                       "Give every row without an identifier a new one, in the column Cookie");
     command->add_flag("--append", options->append, "Add the rows to the table where it exists");
-    command->add_flag("--in-place", options->inPlace,
-                      "Allow the table to replace a log, or another file that is no table");
+    command->add_flag(
+        "--in-place", options->inPlace,
+        "Allow the table to replace a log, another file that is no table, a container, "
+        "or a table with tags or identifiers");
     addStrictOption(*command, options->strict);
     addExample(*command, "olelog import day-12.ale -o day-12.odb");
     command->callback([options, &task] { task = [options] { return runImport(*options); }; });

@@ -4,11 +4,13 @@
 // timecodes. Rows that match by key fill in what is missing; nothing that stands is written over.
 // The others are added behind.
 
+#include "check/FindingList.h"
 #include "Command.h"
 #include "fieldNames.h"
 #include "files.h"
 #include "messages.h"
 #include "ole/oledb/oledb.h"
+#include "repeatedRows.h"
 #include "rowKey.h"
 #include "rowNames.h"
 #include "shownText.h"
@@ -61,6 +63,7 @@ public:
     }
 
     EditOutcome run(const EditOptions& edit) {
+        const bool repeated = keys_.empty() && tellRepeated();
         if (!keys_.empty()) {
             fillMatches();
         }
@@ -69,7 +72,7 @@ public:
         const int matched = taken_.delete_tagged_records();
         const unsigned added = taken_.get_num_records();
         table_.merge_all_matching(&taken_);
-        const bool lossless = !differences_.any() && !unread_.any();
+        const bool lossless = !differences_.any() && !unread_.any() && !repeated;
         return {.code = lossless ? exitFine : exitFindings,
                 .changed = added != 0 || filled_ != 0,
                 .summary =
@@ -97,6 +100,18 @@ private:
             say("{}: {} dropped, which the table has no field for: {}", otherName_,
                 counted(names.size(), "column"), listed(names));
         }
+    }
+
+    /// Tells rows that are added although they stand in the table; whether there are any.
+    bool tellRepeated() const {
+        std::vector<unsigned> rows = repeatedRows(table_, table_.get_num_records(), taken_, 0);
+        std::for_each(rows.begin(), rows.end(), [](unsigned& row) { ++row; });
+        if (!rows.empty()) {
+            say("{}: {} in the table already, with all the same values: row {}; "
+                "--by FIELD takes such rows as one",
+                otherName_, counted(rows.size(), "row stands", "rows stand"), runsOf(rows));
+        }
+        return !rows.empty();
     }
 
     /// A value that is no timecode does not go from one form of timecodes to the other.

@@ -8,6 +8,7 @@
 #include "files.h"
 #include "messages.h"
 #include "ole/oledb/oledb.h"
+#include "ReplacedFile.h"
 #include "selection.h"
 #include "tableFile.h"
 
@@ -69,8 +70,8 @@ int runSave(const SaveOptions& options) {
         say("{} would be replaced by a selection of it; --in-place allows that", options.output);
         return exitUsage;
     }
-    if (!options.inPlace && isForeignFile(options.output)) {
-        say("{} exists and is no table; --in-place allows to replace it", options.output);
+    const ReplacedFile target{isOverInput(options) ? "-" : options.output};
+    if (target.standsInTheWay(options.inPlace)) {
         return exitUsage;
     }
     const auto file = InputFile::open(options.file);
@@ -91,6 +92,9 @@ int runSave(const SaveOptions& options) {
         return exitFindings;
     }
     const int code = saveSelection(*loaded.table, *selection, options);
+    if (code != exitFailure) {
+        target.tell();
+    }
     return code == exitFine && !loaded.whole ? exitFindings : code;
 }
 
@@ -106,7 +110,10 @@ void addSaveCommand(CLI::App& app, Task& task) {
     command->add_option("-o,--output", options->output, "The table file, or - for standard output")
         ->required()
         ->type_name("TABLE");
-    command->add_flag("--in-place", options->inPlace, "Allow the table to replace the one read");
+    command->add_flag(
+        "--in-place", options->inPlace,
+        "Allow the table to replace the one read, a file that is no table, a container, "
+        "or a table with tags or identifiers");
     addStrictOption(*command, options->strict);
     addSelectionOptions(*command, options->selection);
     addExample(*command,

@@ -1,0 +1,83 @@
+// What a command would write over. A table made anew gives back what the logs say, but not the tags
+// and identifiers that rows got since.
+
+#include "ReplacedFile.h"
+
+#include "ContainerTable.h"
+#include "messages.h"
+#include "ole/oledb/oledb.h"
+#include "tableFile.h"
+#include "tableValues.h"
+#include "tarn/numbers.h"
+
+#include <utility>
+
+namespace {
+
+std::size_t countTagged(const oledb& table) {
+    const int col = table.get_fieldnum("Tag");
+    std::size_t tagged = 0;
+    for (unsigned row = 0; col >= 0 && row < table.get_num_records(); ++row) {
+        const char* const text = table.get_field(row, col);
+        tagged += text && Tarn::parseInt(text) != 0 ? 1 : 0;
+    }
+    return tagged;
+}
+
+std::size_t countIdentified(const oledb& table) {
+    const int col = table.get_fieldnum("Cookie");
+    return col < 0 ? 0 : countFilled(table, static_cast<unsigned>(col));
+}
+
+} // namespace
+
+ReplacedFile::ReplacedFile(std::string target) : target_{std::move(target)} {
+    if (target_ == "-") {
+        return;
+    }
+    if (isTableFile(target_)) {
+        look();
+    } else if (isForeignFile(target_)) {
+        kind_ = Kind::Foreign;
+    }
+}
+
+void ReplacedFile::look() {
+    const std::unique_ptr<oledb> table = loadTableQuietly(target_);
+    kind_ = ::isContainer(*table) ? Kind::Container : Kind::Table;
+    rows_ = table->get_num_records();
+    tagged_ = countTagged(*table);
+    identified_ = countIdentified(*table);
+}
+
+std::string ReplacedFile::whyKept() const {
+    if (kind_ == Kind::Foreign) {
+        return "exists and is no table; --in-place allows to replace it";
+    }
+    if (kind_ == Kind::Container) {
+        return fmt::format("is a container with {}, which would go; --in-place allows that",
+                           counted(rows_, "item"));
+    }
+    if (tagged_ == 0 && identified_ == 0) {
+        return {};
+    }
+    return fmt::format("holds {}{}{}, which would go; --in-place allows that",
+                       tagged_ == 0 ? "" : counted(tagged_, "tagged row"),
+                       tagged_ == 0 || identified_ == 0 ? "" : " and ",
+                       identified_ == 0 ? "" : counted(identified_, "identifier"));
+}
+
+bool ReplacedFile::standsInTheWay(bool inPlace) const {
+    const std::string why = inPlace ? "" : whyKept();
+    if (!why.empty()) {
+        say("{} {}", target_, why);
+    }
+    return !why.empty();
+}
+
+void ReplacedFile::tell() const {
+    if (kind_ == Kind::Table || kind_ == Kind::Container) {
+        say("replaced {}, which held {}", target_,
+            counted(rows_, kind_ == Kind::Container ? "item" : "row"));
+    }
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+/// What stands where a command is to write a table. It is looked at before: what people put there
+/// by hand (items of a container, tags, identifiers) goes only where that is asked for.
+class ReplacedFile {
+public:
+    /// `-`, devices and pipes hold nothing.
+    explicit ReplacedFile(std::string target);
+
+    /// Whether a table would take the place of what should stay, unless --in-place is given; says
+    /// so.
+    [[nodiscard]] bool standsInTheWay(bool inPlace) const;
+    [[nodiscard]] bool isContainer() const { return kind_ == Kind::Container; }
+    /// Says what was replaced, where it was a table.
+    void tell() const;
+
+private:
+    enum class Kind { Nothing, Foreign, Table, Container };
+
+    void look();
+    [[nodiscard]] std::string whyKept() const;
+
+    std::string target_;
+    Kind kind_ = Kind::Nothing;
+    std::size_t rows_ = 0; ///< of a table or container that can be read
+    std::size_t tagged_ = 0;
+    std::size_t identified_ = 0;
+};

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds the libFuzzer programs and runs each from its corpus, under both sanitizers.
+# Builds the libFuzzer programs and runs each from its corpus, under both sanitizers, as many at a
+# time as there are processors.
 #
 # usage: scripts/fuzz.sh [SECONDS] [NAME...]     default: 20 seconds for each
 #
@@ -9,7 +10,7 @@
 set -uo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 2
-seconds=20
+export seconds=20
 if [[ ${1-} =~ ^[1-9][0-9]*$ ]]; then
   seconds=$1
   shift
@@ -17,16 +18,10 @@ fi
 cmake --preset fuzz </dev/null >/dev/null &&
   cmake --build --preset fuzz --parallel "$(nproc)" </dev/null || exit 2
 
-names=("$@")
-[ ${#names[@]} -gt 0 ] || mapfile -t names < <(find fuzz/corpus -mindepth 1 -maxdepth 1 -type d -printf '%f\n' | sort)
-mkdir -p build/fuzz/findings
-export TMPDIR=${TMPDIR-/dev/shm}
-status=0
-for name in "${names[@]}"; do
-  gathered=build/fuzz/corpus/$name
-  log=build/fuzz/findings/$name.log
+run_one() {
+  local name=$1 gathered=build/fuzz/corpus/$1 log=build/fuzz/findings/$1.log
   mkdir -p "$gathered"
-  inputs=("$gathered" "fuzz/corpus/$name")
+  local inputs=("$gathered" "fuzz/corpus/$name")
   if [ "$name" = AleFile ] && [ -n "${OLE_REAL_LOGS-}" ]; then
     inputs+=("$OLE_REAL_LOGS")
   fi
@@ -34,10 +29,17 @@ for name in "${names[@]}"; do
     -rss_limit_mb=1500 -malloc_limit_mb=256 -artifact_prefix="build/fuzz/findings/$name-" \
     "${inputs[@]}" </dev/null >"$log" 2>&1; then
     echo "$name: $(tail -n 1 "$log")"
-  else
-    status=1
-    grep -A 12 -e Failure -e ERROR "$log" | head -n 40
-    echo "$name: FOUND something, see $log"
+    return 0
   fi
-done
-exit $status
+  grep -A 12 -e Failure -e ERROR "$log" | head -n 40
+  echo "$name: FOUND something, see $log"
+  return 1
+}
+export -f run_one
+
+names=("$@")
+[ ${#names[@]} -gt 0 ] || mapfile -t names < <(find fuzz/corpus -mindepth 1 -maxdepth 1 -type d -printf '%f\n' | sort)
+mkdir -p build/fuzz/findings
+[ ! -d /dev/shm ] || export TMPDIR=${TMPDIR-/dev/shm} # files of the fuzzers in memory
+# shellcheck disable=SC2016 # the inner shell expands it
+printf '%s\0' "${names[@]}" | xargs -0 -n 1 -P "$(nproc)" bash -c 'run_one "$0"' || exit 1

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <iterator>
 #include <map>
 
 namespace {
@@ -83,9 +84,8 @@ private:
 
     void tellJoined(const std::vector<std::size_t>& given, unsigned field, std::string_view value) {
         std::vector<std::string> titles;
-        for (const std::size_t column : given) {
-            titles.push_back(title(column));
-        }
+        std::transform(given.begin(), given.end(), std::back_inserter(titles),
+                       [this](std::size_t column) { return title(column); });
         const std::string into = log_.kept().get_fieldname(field);
         findings_.addToGroup(into, finding::joinedColumns, line_,
                              fmt::format("{} go to one field, {}, and become {}", listed(titles),

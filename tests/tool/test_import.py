@@ -187,7 +187,7 @@ def test_all_columns_stops_where_the_table_would_not_load(tmp_path, count, lengt
 
 def test_making_room_keeps_name_cookie_and_what_any_log_fills(tmp_path):
     titles = [f"c{i}" for i in range(240)]
-    write_log(tmp_path / "a.ale", ["Start", *titles], [["01:00:00:00"]])
+    write_log(tmp_path / "a.ale", ["Start", *titles], [["01:00:00:00", *[""] * 240]])
     write_log(tmp_path / "b.ale", ["Note", "Perf"], [["??", "3"], ["n", ""]], heading=["Heading", "FILM_FORMAT\t16mm"])
     expect(0, "import", "a.ale", "b.ale", "-o", "all.odb", "--all-columns", "--identify", cwd=tmp_path)
     names = [c["name"] for c in info(tmp_path / "all.odb")["columns"]]
@@ -363,3 +363,16 @@ def test_bytes_of_other_encodings_pass_through(tmp_path):
     expect(0, "import", log, "-o", tmp_path / "a.odb")
     row = csv_rows(tmp_path / "a.odb")[0]
     assert (row["Name"], row["Notes"]) == ("Zo\udceb", "\udc80\udcff \u591c")
+
+
+def test_rows_with_too_few_values_are_told_once(tmp_path):
+    rows = [["A", "1", "x"], ["B", "x"], ["C", "2", ""], ["D"], ["E", "x"], ["F", "x"]]
+    log = write_log(tmp_path / "a.ale", ["Name", "Scene", "Notes"], rows)
+    text = (
+        "a.ale:11: the row has 2 values for 3 column names; without a value: Notes; if a cell is missing, the values "
+        "behind it stand one column too far left"
+    )
+    said = expect(1, "import", log, "-o", tmp_path / "t.odb")
+    assert said.count("the row has") == 1 and f"{text} (and so in 3 other lines: 13-15)\n" in said
+    assert len(csv_rows(tmp_path / "t.odb")) == 6
+    assert f"{text} (and so in 2 other lines: 14-15) [too-few-values]\n" in run("check", log).stdout.decode()

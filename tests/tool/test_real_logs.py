@@ -114,6 +114,8 @@ LAST = {
     "scene-take-rolls": {"Name": "101D-6b", "cam reel": "B096", "Reel": "B096C015_111215_R1XE"},
 }
 
+CUT = {"one-line-heading-crlf"}  # its last row lacks the tabs at its end
+
 
 def real(name):
     return os.path.join(FOLDER, name + ".ale")
@@ -131,7 +133,7 @@ def cells(name):
 def test_rows_values_and_parameters(tmp_path, name):
     rows, first, parameters = LOGS[name]
     table = tmp_path / "t.odb"
-    assert f"{name}.ale: {rows} row" in expect(0, "import", real(name), "-o", table)
+    assert f"{name}.ale: {rows} row" in expect(int(name in CUT), "import", real(name), "-o", table)
     facts = info(table)
     assert facts["rows"] == rows
     assert {p["name"]: p["value"] for p in facts["parameters"]} == ({"OLEDB": "Rev 1"} | parameters if parameters else {})
@@ -147,7 +149,7 @@ def test_all_columns_keep_every_value(tmp_path, name):
     table = tmp_path / "t.odb"
     result = run("import", real(name), "-o", table, "--all-columns")
     said = messages(result)
-    assert result.returncode == (1 if name == "dailies-245-columns" else 0), said
+    assert result.returncode == int(name in {"dailies-245-columns", *CUT}), said
     names = [c["name"] for c in info(table)["columns"]]
     assert len(names) <= 255 and len('","'.join(names)) + 2 <= 4095
     titles, rows = cells(name)
@@ -170,7 +172,8 @@ def test_logs_that_the_rules_refuse(tmp_path, name, cause):
 
 def test_all_in_one_table(tmp_path):
     table = tmp_path / "t.odb"
-    said = expect(0, "import", *map(real, LOGS), "-o", table, "--identify")
+    said = expect(1, "import", *map(real, LOGS), "-o", table, "--identify")
+    assert said.count(": the row has ") == 1 and "crlf.ale:8: the row has 30 values for 32 column names" in said
     assert "t.odb: 51 rows, 44 columns" in said and said.count(": heading differs") >= 5
     assert len({row["Cookie"] for row in csv_rows(table)}) == 51
 

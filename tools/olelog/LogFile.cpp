@@ -196,6 +196,19 @@ private:
             if (isRow && line(number).front() == '\t') {
                 head_.shiftedLines.push_back(number);
             }
+            if (isRow) {
+                noteShortRow(number);
+            }
+        }
+    }
+
+    /// Tabs at the end are values, if empty ones: a row that lacks them was cut, or filled in by
+    /// hand.
+    void noteShortRow(unsigned number) {
+        const std::string_view row = text_.lineView(number - 1);
+        const auto cells = static_cast<std::size_t>(std::count(row.begin(), row.end(), '\t')) + 1;
+        if (cells < head_.columns.size()) {
+            head_.shortRows.push_back({number, cells});
         }
     }
 
@@ -233,6 +246,17 @@ bool isLogFile(const std::string& path) {
     }
     const auto log = InputFile::open(path);
     return log && readLogHead(*log).refusal.empty();
+}
+
+std::string describeShortRow(const LogHead& head, const LogHead::ShortRow& row) {
+    constexpr std::size_t mostNamed = 5;
+    const std::vector<std::string> missing{
+        head.columns.begin() + static_cast<std::ptrdiff_t>(row.cells), head.columns.end()};
+    return fmt::format(
+        "the row has {} for {}; without a value: {}; if a cell is missing, the values "
+        "behind it stand one column too far left",
+        counted(row.cells, "value"), counted(head.columns.size(), "column name"),
+        listed(missing, mostNamed));
 }
 
 std::vector<std::string> parametersNotTaken(const LogHead& head, const oledb& table) {

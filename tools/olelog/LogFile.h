@@ -2,6 +2,7 @@
 
 #include "files.h"
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -30,6 +31,11 @@ struct LogHead {
         std::string what; ///< for people
     };
 
+    struct ShortRow {
+        unsigned line;
+        std::size_t cells; ///< those that it has, empty ones included
+    };
+
     std::string refusal;     ///< why the log cannot be taken; empty when it can
     std::string refusalCode; ///< the same in a word that does not change, for scripts
     unsigned refusalLine = 1;
@@ -37,6 +43,7 @@ struct LogHead {
     std::vector<Parameter> parameters;  ///< the heading lines that hold a name and a value
     std::vector<OddLine> oddLines;      ///< heading lines that are not taken
     std::vector<unsigned> shiftedLines; ///< rows of which a leading tab moves the values left
+    std::vector<ShortRow> shortRows;    ///< rows with fewer values than there are column names
     std::vector<unsigned> zeroLines;    ///< lines of which the part behind a zero byte is lost
     std::vector<std::string> columns;   ///< the column names, in order
     unsigned namesLine = 0;             ///< where they stand, from 1
@@ -47,6 +54,9 @@ LogHead readLogHead(const InputFile& log);
 
 /// Whether a path leads to a log, or to a file that begins as one, in whatever encoding.
 bool isLogFile(const std::string& path);
+
+/// What is to be said of a row with fewer values than names: how many, and what that may mean.
+std::string describeShortRow(const LogHead& head, const LogHead::ShortRow& row);
 
 /// Names of the heading's parameters that the table did not take, as it holds no more.
 std::vector<std::string> parametersNotTaken(const LogHead& head, const oledb& table);

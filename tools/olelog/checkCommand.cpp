@@ -9,6 +9,7 @@
 #include "checkedSave.h"
 #include "Command.h"
 #include "files.h"
+#include "lineNumbers.h"
 #include "LogFile.h"
 #include "messages.h"
 #include "Output.h"
@@ -96,12 +97,8 @@ bool usageMakesSense(const CheckOptions& options) {
 // -- the report
 
 std::string lineOf(const LogVerdict& log, const Finding& finding) {
-    std::string more;
-    if (finding.lines.size() > 1) {
-        more = fmt::format(" (and so in {}: {})", counted(finding.lines.size() - 1, "other line"),
-                           runsOf({finding.lines.begin() + 1, finding.lines.end()}));
-    }
-    return fmt::format("{}:{}: {}{} [{}]", log.name, finding.lines.front(), finding.message, more,
+    return fmt::format("{}:{}: {}{} [{}]", log.name, finding.lines.front(), finding.message,
+                       andOtherLines({finding.lines.begin() + 1, finding.lines.end()}),
                        finding.kind.code);
 }
 

@@ -10,6 +10,7 @@
 #include "extraColumns.h"
 #include "files.h"
 #include "importSummary.h"
+#include "lineNumbers.h"
 #include "LogFile.h"
 #include "messages.h"
 #include "ole/interchange/ALE.h"
@@ -262,10 +263,11 @@ private:
         say("{}: {}", log.file.name(),
             summaryOf(log.head, report, droppedColumns(report),
                       options_.allColumns ? "without room" : "dropped"));
+        tellShortRows(log);
         tellParameters(log, before);
         tellRepeated(log, firstRow, report);
-        findings_ = findings_ || !report.skippedLines.empty() || !log.head.shiftedLines.empty() ||
-                    !log.head.zeroLines.empty();
+        findings_ = findings_ || !log.head.shortRows.empty() || !report.skippedLines.empty() ||
+                    !log.head.shiftedLines.empty() || !log.head.zeroLines.empty();
         if (report.recordsAdded == 0 && !report.skippedLines.empty()) {
             say("{}: cannot be taken: every line has more values than line {} has column names",
                 log.file.name(), log.head.namesLine);
@@ -329,6 +331,20 @@ private:
             }
         }
         return dropped;
+    }
+
+    /// Once for all rows, by the first of them.
+    static void tellShortRows(const Log& log) {
+        const std::vector<LogHead::ShortRow>& rows = log.head.shortRows;
+        if (rows.empty()) {
+            return;
+        }
+        std::vector<unsigned> others;
+        for (std::size_t i = 1; i < rows.size(); ++i) {
+            others.push_back(rows[i].line);
+        }
+        say("{}:{}: {}{}", log.file.name(), rows.front().line,
+            describeShortRow(log.head, rows.front()), andOtherLines(others));
     }
 
     // -- heading parameters

@@ -35,21 +35,6 @@ std::string_view nameOf(Severity severity) {
     }
 }
 
-std::string runsOf(const std::vector<unsigned>& lines) {
-    std::string text;
-    for (std::size_t i = 0; i < lines.size();) {
-        std::size_t end = i + 1;
-        while (end < lines.size() && lines[end] == lines[end - 1] + 1) {
-            ++end;
-        }
-        text += text.empty() ? "" : ", ";
-        text += end == i + 1 ? std::to_string(lines[i])
-                             : fmt::format("{}-{}", lines[i], lines[end - 1]);
-        i = end;
-    }
-    return text;
-}
-
 void FindingList::add(const FindingKind& kind, unsigned line, std::string message,
                       std::vector<std::string> columns) {
     findings_.push_back({kind, std::move(message), {line}, std::move(columns)});

@@ -71,9 +71,6 @@ struct Finding {
     std::vector<std::string> columns; ///< the columns concerned, where it is about some
 };
 
-/// Lines for people: "12, 15-18".
-std::string runsOf(const std::vector<unsigned>& lines);
-
 /// What was found in a log. Things of one group come together in the finding of the first of them,
 /// so that a log with one trouble in each of a thousand rows does not get a thousand findings.
 class FindingList {

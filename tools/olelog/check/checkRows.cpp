@@ -3,19 +3,12 @@
 #include "check/checks.h"
 #include "messages.h"
 #include "ole/oledb/dbrecord.h"
-#include "shownText.h"
 #include "tableLosses.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 
 namespace {
-
-/// The columns that a short row leaves empty, a few of them by name.
-std::string missingColumns(const std::vector<std::string>& columns, std::size_t from) {
-    constexpr std::size_t mostNamed = 5;
-    return listed({columns.begin() + static_cast<std::ptrdiff_t>(from), columns.end()}, mostNamed);
-}
 
 void checkLongRows(const CheckedLog& log, FindingList& findings) {
     const std::size_t columns = log.head().columns.size();
@@ -28,18 +21,10 @@ void checkLongRows(const CheckedLog& log, FindingList& findings) {
     }
 }
 
-/// Tabs at the end are values, if empty ones: a row that lacks them was cut or filled in by hand.
 void checkShortRows(const CheckedLog& log, FindingList& findings) {
-    const std::vector<std::string>& columns = log.head().columns;
-    for (const unsigned line : log.report().rowLines) {
-        const std::size_t cells = cellsOf(log.text(line)).size();
-        if (cells < columns.size()) {
-            findings.addToGroup(std::to_string(cells), finding::tooFewValues, log.number(line),
-                                fmt::format("the row has {} for {}; without a value: {}",
-                                            counted(cells, "value"),
-                                            counted(columns.size(), "column name"),
-                                            missingColumns(columns, cells)));
-        }
+    for (const LogHead::ShortRow& row : log.head().shortRows) {
+        findings.addToGroup(std::to_string(row.cells), finding::tooFewValues, log.number(row.line),
+                            describeShortRow(log.head(), row));
     }
 }
 

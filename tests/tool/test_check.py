@@ -384,3 +384,24 @@ def test_title_for_a_surplus_value_leaves_other_rows_whole(tmp_path):
     check(tmp_path, with_rows([*row(), "x"]), "--fix", tmp_path / "m.ale")
     left = check(tmp_path, (tmp_path / "m.ale").read_bytes())["findings"]
     assert [(f["code"], f["columns"]) for f in left] == [("column-without-field", ["Column 8"])]
+
+
+def test_what_is_left_is_told_at_the_end(tmp_path):
+    lines = CLEAN.replace(b"Column\n", b"Column\n\n").replace(b"Tape", b"Tpae") + b"x\tV\n\tV\t\t\t\t\t\n"
+    broken = lines.decode().replace("\n", "\r").encode("mac-roman")
+    found = [(f["code"], f["line"]) for f in check(tmp_path, broken)["findings"]]
+    names = [("blank-names", 7), ("column-without-field", 8)]
+    assert found == [("cr-line-ends", 1), *names, ("encoding", 13), ("too-few-values", 14), ("leading-tab", 15)]
+    log, mended = tmp_path / "a.ale", tmp_path / "m.ale"
+    assert expect(1, "check", log).endswith(": --fix OUT mends 4 of these\n")
+    assert 'did you mean "Tape" by "Tpae"?' in run("check", log).stdout.decode()
+    said = expect(1, "check", log, "--fix", mended)
+    assert "--encoding NAME changes the guess" in said
+    assert said.endswith("m.ale can be imported; 2 findings are left for you: lines 7 (column-without-field), 13 (too-few-values)\n")
+    left = json.loads(run("check", mended, "--json").stdout)["findings"]
+    assert [f["line"] for f in left] == [7, 13]
+    said = expect(1, "check", log, "--fix", mended, "--encoding", "MACINTOSH", "--ignore", "column-without-field,too-few-values")
+    assert "guess" not in said and said.endswith("m.ale can be imported; no finding is left\n")
+    log.write_bytes(with_rows(row(Note="x" * 4100)))
+    assert "m.ale cannot be imported; 1 finding is left for you: line 13 (row-too-long)" in expect(1, "check", log, "--fix", mended)
+    assert "--fix OUT" not in expect(1, "check", log)

@@ -25,8 +25,11 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -140,6 +143,44 @@ std::string figuresOf(const LogVerdict& log) {
     return text;
 }
 
+bool isRefused(const FindingList& findings) {
+    return std::any_of(findings.all().begin(), findings.all().end(), [](const Finding& finding) {
+        return finding.kind.severity == Severity::Refused;
+    });
+}
+
+/// "2 findings are left for you: lines 10 (overlap), 12 (end-before-start)".
+std::string describeLeft(const FindingList& left) {
+    constexpr std::size_t mostTold = 20;
+    std::vector<std::string> places;
+    for (const Finding& finding : left.all()) {
+        places.push_back(fmt::format("{} ({})", finding.lines.front(), finding.kind.code));
+    }
+    return places.empty()
+               ? "no finding is left"
+               : fmt::format("{} left for you: {} {}",
+                             counted(places.size(), "finding is", "findings are"),
+                             places.size() == 1 ? "line" : "lines", listed(places, mostTold));
+}
+
+/// A finding is mended where the copy has none of its kind in any of its lines.
+std::size_t countMended(const LogVerdict& log, const FindingList& left) {
+    std::set<std::pair<std::string_view, unsigned>> stays;
+    for (const Finding& finding : left.all()) {
+        for (const unsigned line : finding.lines) {
+            const auto& lines = log.mended.lines;
+            stays.emplace(finding.kind.code, line <= lines.size() ? lines[line - 1].number : line);
+        }
+    }
+    const auto isMended = [&](const Finding& finding) {
+        return std::none_of(finding.lines.begin(), finding.lines.end(), [&](unsigned line) {
+            return stays.contains({finding.kind.code, line});
+        });
+    };
+    const auto& all = log.findings.all();
+    return static_cast<std::size_t>(std::count_if(all.begin(), all.end(), isMended));
+}
+
 class CheckJob {
 public:
     explicit CheckJob(const CheckOptions& options) : options_{options} {}
@@ -170,6 +211,9 @@ private:
         }
         say("{}: {}; {}", log->name, log->taken ? counted(log->rows, "row") : "cannot be taken",
             figuresOf(*log));
+        if (options_.fixed.empty()) {
+            tellMendable(*log);
+        }
         const bool written = options_.fixed.empty() || write(*log);
         return !written ? exitFailure : log->findings.all().empty() ? exitFine : exitFindings;
     }
@@ -181,6 +225,45 @@ private:
             sayLine(line);
         } else {
             out_.write(shown(line) + "\n");
+        }
+    }
+
+    /// What is left of the findings in the mended log, without those that are not asked for.
+    [[nodiscard]] std::optional<FindingList> left(const LogVerdict& log) const {
+        auto findings = findingsLeft(log.mended);
+        if (findings) {
+            findings->ignore(options_.ignored);
+        }
+        return findings;
+    }
+
+    /// How many of the findings a mended copy would not have.
+    void tellMendable(const LogVerdict& log) const {
+        if (log.findings.all().empty() || log.mended.changes.empty() ||
+            !whyNotMended(log.mended).empty()) {
+            return;
+        }
+        const auto found = left(log);
+        const std::size_t mended = found ? countMended(log, *found) : 0;
+        if (mended != 0) {
+            say("{}: --fix OUT mends {} of these", log.name, mended);
+        }
+    }
+
+    /// The last word: whether the copy can be imported, and what a person still has to decide.
+    void tellLeft(const LogVerdict& log) const {
+        const auto& changes = log.mended.changes;
+        const bool guessed = std::any_of(changes.begin(), changes.end(), [](const auto& change) {
+            return change.kind.code == finding::encoding.code;
+        });
+        if (guessed && options_.encoding.empty()) {
+            say("{}: the encoding of bytes that were no UTF-8 is guessed; --encoding NAME changes "
+                "the guess",
+                targetName());
+        }
+        if (const auto found = left(log)) {
+            say("{} {}; {}", targetName(),
+                isRefused(*found) ? "cannot be imported" : "can be imported", describeLeft(*found));
         }
     }
 
@@ -200,6 +283,7 @@ private:
         say("{}: {}", targetName(),
             log.mended.changes.empty() ? "a copy without a change"
                                        : counted(log.mended.changes.size(), "change"));
+        tellLeft(log);
         return true;
     }
 

@@ -48,6 +48,20 @@ bool has(const std::vector<std::string>& titles, const std::string& title) {
     return std::find(titles.begin(), titles.end(), title) != titles.end();
 }
 
+/// "; did you mean "Take" by "Tkae"?", for each title that one slip makes out of one that is not
+/// there.
+std::string suggestions(const std::vector<std::string>& lost,
+                        const std::vector<std::string>& titles) {
+    std::string text;
+    for (const std::string& title : lost) {
+        const std::string meant = misspeltTitle(title);
+        if (!meant.empty() && !has(titles, meant)) {
+            text += fmt::format("; did you mean {} by {}?", inQuotes(meant), inQuotes(title));
+        }
+    }
+    return text;
+}
+
 /// Columns without a value lose nothing.
 void checkFields(const CheckedLog& log, FindingList& findings) {
     constexpr std::size_t mostNamed = 25;
@@ -73,9 +87,9 @@ void checkFields(const CheckedLog& log, FindingList& findings) {
     if (!lost.empty()) {
         findings.add(finding::columnWithoutField, log.namesNumber(),
                      fmt::format("{} no field in the table, so the values are dropped: {}; import "
-                                 "with --all-columns to keep them",
+                                 "with --all-columns to keep them{}",
                                  counted(lost.size(), "column has", "columns have"),
-                                 listed(lost, mostNamed)),
+                                 listed(lost, mostNamed), suggestions(lost, titles)),
                      lost);
     }
 }

@@ -3,6 +3,7 @@
 
 #include "check/knownTitles.h"
 
+#include "tarn/Ascii.h"
 #include "tarn/StringFunctions.h"
 
 #include <algorithm>
@@ -13,6 +14,23 @@ std::string withoutBlanks(std::string_view title) {
     std::string compact{title};
     std::erase_if(compact, [](char c) { return c == ' ' || c == '_'; });
     return compact;
+}
+
+/// Whether one slip of the keyboard makes one text the other: a character put in, taken out or
+/// changed, or two that stand in the wrong order.
+bool isOneSlip(std::string_view a, std::string_view b) {
+    while (!a.empty() && !b.empty() && Tarn::toLower(a.front()) == Tarn::toLower(b.front())) {
+        a.remove_prefix(1);
+        b.remove_prefix(1);
+    }
+    while (!a.empty() && !b.empty() && Tarn::toLower(a.back()) == Tarn::toLower(b.back())) {
+        a.remove_suffix(1);
+        b.remove_suffix(1);
+    }
+    const bool swapped = a.size() == 2 && b.size() == 2 &&
+                         Tarn::toLower(a[0]) == Tarn::toLower(b[1]) &&
+                         Tarn::toLower(a[1]) == Tarn::toLower(b[0]);
+    return swapped || (a.size() <= 1 && b.size() <= 1);
 }
 
 } // namespace
@@ -36,6 +54,15 @@ std::string nearKnownTitle(std::string_view title) {
     }
     for (const std::string& known : knownTitles()) {
         if (compareIgnoringCase(wanted, withoutBlanks(known)) == 0) {
+            return known;
+        }
+    }
+    return {};
+}
+
+std::string misspeltTitle(std::string_view title) {
+    for (const std::string& known : knownTitles()) {
+        if (isOneSlip(title, known)) {
             return known;
         }
     }

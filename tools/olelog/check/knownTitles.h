@@ -10,3 +10,6 @@ const std::vector<std::string>& knownTitles();
 /// The known title that differs from this one in nothing but case and blanks; "" where there is
 /// none, or where the title is a known one.
 std::string nearKnownTitle(std::string_view title);
+
+/// The known title that was probably meant, one slip of the keyboard away; "" where there is none.
+std::string misspeltTitle(std::string_view title);

@@ -43,17 +43,51 @@ std::optional<CheckedLog> asItIs(const InputFile& log, std::string_view bytes) {
     return CheckedLog{log, linesOf(bytes, false)};
 }
 
-/// The log after `readable`; nothing where not even that can be taken.
-std::optional<CheckedLog> asReadable(const MendedLog& readable) {
+/// Does something with a log in a file of its own; false where there is no room for that.
+template <class Use>
+bool withFileOf(const MendedLog& log, Use use) {
     auto file = TemporaryFile::anywhere();
-    if (!file || writeAll(file->file(), readable.text()) != 0) {
-        return std::nullopt;
+    if (!file || writeAll(file->file(), log.text()) != 0) {
+        return false;
     }
     file->close();
     const auto input = InputFile::open(file->path());
-    return input && readLogHead(*input).refusal.empty()
-               ? std::optional<CheckedLog>{CheckedLog{*input, readable.lines}}
-               : std::nullopt;
+    if (input) {
+        use(*input);
+    }
+    return input.has_value();
+}
+
+/// The log after `readable`; nothing where not even that can be taken.
+std::optional<CheckedLog> asReadable(const MendedLog& readable) {
+    std::optional<CheckedLog> checked;
+    withFileOf(readable, [&](const InputFile& file) {
+        if (readLogHead(file).refusal.empty()) {
+            checked.emplace(file, readable.lines);
+        }
+    });
+    return checked;
+}
+
+void addRefusal(const LogHead& head, unsigned line, FindingList& findings) {
+    findings.add(kindOf(head.refusalCode), line, "the log cannot be taken: " + head.refusal);
+}
+
+/// One reason to refuse a log hides the next: they show one after the other as it is made readable.
+void addHiddenRefusals(std::string_view bytes, std::string told, FindingList& findings) {
+    MendedLog log = mendBytes(bytes, "");
+    for (const bool words : {false, true}) {
+        if (words) {
+            mendWords(log);
+        }
+        withFileOf(log, [&](const InputFile& file) {
+            const LogHead head = readLogHead(file);
+            if (!head.refusal.empty() && head.refusalCode != told) {
+                told = head.refusalCode;
+                addRefusal(head, log.line(head.refusalLine).number, findings);
+            }
+        });
+    }
 }
 
 } // namespace
@@ -68,8 +102,10 @@ std::optional<LogVerdict> checkLog(const InputFile& log, const std::string& enco
     std::optional<CheckedLog> checked =
         verdict.taken ? asItIs(log, bytes) : asReadable(verdict.mended);
     if (!verdict.taken) {
-        verdict.findings.add(kindOf(head.refusalCode), head.refusalLine,
-                             "the log cannot be taken: " + head.refusal);
+        addRefusal(head, head.refusalLine, verdict.findings);
+        if (checked) {
+            addHiddenRefusals(bytes, head.refusalCode, verdict.findings);
+        }
     }
     checkBytes(bytes, verdict.findings);
     if (checked && !runChecks(*checked, verdict.findings)) {
@@ -79,4 +115,19 @@ std::optional<LogVerdict> checkLog(const InputFile& log, const std::string& enco
     verdict.findings.sortByLine();
     makeWhole(verdict.mended);
     return verdict;
+}
+
+std::optional<FindingList> findingsLeft(const MendedLog& mended) {
+    const std::string bytes = mended.text();
+    std::optional<FindingList> left;
+    withFileOf(mended, [&](const InputFile& file) {
+        const CheckedLog checked{file, linesOf(bytes, false)};
+        FindingList findings;
+        checkBytes(bytes, findings);
+        if (readLogHead(file).refusal.empty() && runChecks(checked, findings)) {
+            findings.sortByLine();
+            left = std::move(findings);
+        }
+    });
+    return left;
 }

@@ -395,13 +395,13 @@ def test_what_is_left_is_told_at_the_end(tmp_path):
     log, mended = tmp_path / "a.ale", tmp_path / "m.ale"
     assert expect(1, "check", log).endswith(": --fix OUT mends 4 of these\n")
     assert 'did you mean "Tape" by "Tpae"?' in run("check", log).stdout.decode()
-    said = expect(1, "check", log, "--fix", mended)
+    said = expect(1, "check", log, "--fix", mended, "--in-place")
     assert "--encoding NAME changes the guess" in said
     assert said.endswith("m.ale can be imported; 2 findings are left for you: lines 7 (column-without-field), 13 (too-few-values)\n")
     left = json.loads(run("check", mended, "--json").stdout)["findings"]
     assert [f["line"] for f in left] == [7, 13]
-    said = expect(1, "check", log, "--fix", mended, "--encoding", "MACINTOSH", "--ignore", "column-without-field,too-few-values")
+    said = expect(1, "check", log, "--fix", mended, "--in-place", "--encoding", "MACINTOSH", "--ignore", "column-without-field,too-few-values")
     assert "guess" not in said and said.endswith("m.ale can be imported; no finding is left\n")
     log.write_bytes(with_rows(row(Note="x" * 4100)))
-    assert "m.ale cannot be imported; 1 finding is left for you: line 13 (row-too-long)" in expect(1, "check", log, "--fix", mended)
+    assert "m.ale cannot be imported; 1 finding is left for you: line 13 (row-too-long)" in expect(1, "check", log, "--fix", mended, "--in-place")
     assert "--fix OUT" not in expect(1, "check", log)

@@ -4,10 +4,10 @@
 // timecodes. Rows that match by key fill in what is missing; nothing that stands is written over.
 // The others are added behind.
 
-#include "check/FindingList.h"
 #include "Command.h"
 #include "fieldNames.h"
 #include "files.h"
+#include "lineNumbers.h"
 #include "messages.h"
 #include "ole/oledb/oledb.h"
 #include "repeatedRows.h"

@@ -47,6 +47,7 @@ FieldMap mapOf(const ODBView& view, const std::vector<unsigned>& columns) {
 bool keepMap(oledb& table, const std::vector<unsigned>& shown,
              const std::vector<unsigned>& hidden) {
     std::vector<std::string> entries;
+    entries.reserve(shown.size() + hidden.size());
     for (const unsigned col : shown) {
         entries.push_back(std::to_string(col + 1));
     }

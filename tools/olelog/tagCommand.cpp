@@ -103,7 +103,7 @@ EditOutcome tagRows(oledb& table, const TagOptions& options) {
     for (std::size_t row = 0; row < after.size(); ++row) {
         after[row] = wanted(before[row], chosen[row], options);
     }
-    const EditOutcome outcome = outcomeOf(before, after, options.edit);
+    EditOutcome outcome = outcomeOf(before, after, options.edit);
     if (outcome.changed) {
         if (table.get_fieldnum("Tag") < 0 && !hasRoomFor(table, "Tag")) {
             sayLine("the table has no room for a column \"Tag\"");

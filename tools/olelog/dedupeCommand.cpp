@@ -4,7 +4,6 @@
 // is asked for.
 
 #include "Command.h"
-#include "extraColumns.h"
 #include "fieldNames.h"
 #include "messages.h"
 #include "ole/oledb/oledb.h"
@@ -12,6 +11,7 @@
 #include "rowNames.h"
 #include "TableEdit.h"
 #include "tableValues.h"
+#include "tagColumn.h"
 
 #include <CLI/CLI.hpp>
 #include <map>
@@ -74,16 +74,15 @@ void remove(oledb& table, const Repeats& repeats) {
 
 /// Leaves these rows tagged and no others; false where there is no room for tags.
 bool tag(oledb& table, const Repeats& repeats) {
-    if (table.get_fieldnum("Tag") < 0 && !hasRoomFor(table, "Tag")) {
-        sayLine("the table has no room for a column \"Tag\"");
+    const auto col = tagColumn(table);
+    if (!col) {
         return false;
     }
-    const auto col = static_cast<unsigned>(table.addField({"Tag", DBFieldTypes::LONG}));
     for (unsigned row = 0; row < table.get_num_records(); ++row) {
-        table.set_field(row, col, "0");
+        table.set_field(row, *col, "0");
     }
     for (const Repeat& repeat : repeats.rows) {
-        table.set_field(repeat.row, col, "1");
+        table.set_field(repeat.row, *col, "1");
     }
     return true;
 }

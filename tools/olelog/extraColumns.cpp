@@ -57,12 +57,13 @@ std::string freeName(const oledb& table, const std::string& wanted) {
     return name;
 }
 
-} // namespace
-
+/// Whether one more column of this name leaves the table loadable.
 bool hasRoomFor(oledb& table, const std::string& name) {
     return table.get_num_fields() < mostColumns &&
            namesBytes(table) + name.size() + quotesAndComma - 1 <= longestLine;
 }
+
+} // namespace
 
 ExtraColumns addExtraColumns(oledb& table, const std::vector<std::string>& titles) {
     ExtraColumns extra;
@@ -71,11 +72,11 @@ ExtraColumns addExtraColumns(oledb& table, const std::vector<std::string>& title
             continue; // an earlier title differs only in case
         }
         const std::string name = freeName(table, lastingName(title));
-        if (!hasRoomFor(table, name)) {
+        const int col = addFieldWithRoom(table, {name.c_str(), DBFieldTypes::TEXT});
+        if (col < 0) {
             extra.noRoom.push_back(title);
             continue;
         }
-        const int col = table.addField({name.c_str(), DBFieldTypes::TEXT});
         if (name != title) {
             extra.renamed.emplace_back(title, name);
         }
@@ -84,4 +85,9 @@ ExtraColumns addExtraColumns(oledb& table, const std::vector<std::string>& title
         }
     }
     return extra;
+}
+
+int addFieldWithRoom(oledb& table, const DBFieldDesc& field) {
+    const bool isThere = table.get_fieldnum(field.name.c_str()) >= 0;
+    return isThere || hasRoomFor(table, field.name.c_str()) ? table.addField(field) : -1;
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 class oledb;
+struct DBFieldDesc;
 
 /// Columns that were added to a table for log columns that have no field there.
 struct ExtraColumns {
@@ -21,5 +22,6 @@ struct ExtraColumns {
 /// most 255 columns, and names that fit into one line.
 ExtraColumns addExtraColumns(oledb& table, const std::vector<std::string>& titles);
 
-/// Whether one more column of this name leaves the table loadable.
-bool hasRoomFor(oledb& table, const std::string& name);
+/// The number of the field's column, which is added where there is none; -1 where a table file has
+/// no room for it.
+int addFieldWithRoom(oledb& table, const DBFieldDesc& field);

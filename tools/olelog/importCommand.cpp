@@ -167,14 +167,11 @@ private:
     }
 
     bool addCookieColumn() {
-        if (table_->get_fieldnum("Cookie") >= 0) {
+        if (addFieldWithRoom(*table_, {"Cookie", DBFieldTypes::TEXT}) >= 0) {
             return true;
         }
-        if (!hasRoomFor(*table_, "Cookie")) {
-            say("{}: no room for a column \"Cookie\"", options_.output);
-            return false;
-        }
-        return table_->addField({"Cookie", DBFieldTypes::TEXT}) >= 0;
+        say("{}: no room for a column \"Cookie\"", options_.output);
+        return false;
     }
 
     [[nodiscard]] bool hasField(oledb& table, const std::string& title) const {

@@ -10,27 +10,12 @@
 
 #include <algorithm>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 namespace {
 
 /// The row of each item, where it has one.
 using Rows = std::vector<std::optional<unsigned>>;
-using RowsByCookie = std::unordered_map<Cookie, unsigned, CookieHash>;
-
-/// The first row of every cookie.
-RowsByCookie rowsByCookie(const oledb& table) {
-    RowsByCookie rows;
-    const int col = table.get_fieldnum("Cookie");
-    for (unsigned row = 0; col >= 0 && row < table.get_num_records(); ++row) {
-        const Cookie cookie{table.get_field(row, col), false};
-        if (cookie.valid()) {
-            rows.emplace(cookie, row);
-        }
-    }
-    return rows;
-}
 
 std::vector<unsigned> wellKnownColumns(const oledb& table) {
     std::vector<unsigned> columns;
@@ -66,13 +51,12 @@ int addColumn(oledb& table, const std::string& wanted) {
 }
 
 Rows rowsOf(const LoadedContainer& container, const oledb& table) {
-    const RowsByCookie known = rowsByCookie(table);
     Rows rows(container.table->get_num_records());
     for (unsigned item = 0; item < rows.size(); ++item) {
         const auto col = static_cast<int>(container.cookieCol);
-        const auto found = known.find(Cookie{container.table->get_field(item, col), true});
-        if (found != known.end()) {
-            rows[item] = found->second;
+        const int row = table.getRowIndexByID({container.table->get_field(item, col), true});
+        if (row >= 0) {
+            rows[item] = static_cast<unsigned>(row);
         }
     }
     return rows;

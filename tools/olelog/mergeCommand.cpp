@@ -59,6 +59,7 @@ public:
             }
         }
         keys_ = keys;
+        compared_ = comparedColumns();
         return true;
     }
 
@@ -130,6 +131,19 @@ private:
         unread_.close();
     }
 
+    /// Not a row's tag, which is its table's own, nor the keys, which are equal but for their case.
+    [[nodiscard]] std::vector<unsigned> comparedColumns() const {
+        std::vector<unsigned> columns;
+        columns.reserve(table_.get_num_fields());
+        for (unsigned col = 0; col < table_.get_num_fields(); ++col) {
+            if (static_cast<int>(col) != table_.get_fieldnum("Tag") &&
+                std::find(keys_.begin(), keys_.end(), col) == keys_.end()) {
+                columns.push_back(col);
+            }
+        }
+        return columns;
+    }
+
     [[nodiscard]] Matches rowsByKey() const {
         Matches rows;
         for (unsigned row = 0; row < table_.get_num_records(); ++row) {
@@ -152,10 +166,10 @@ private:
     }
 
     void fill(unsigned row, unsigned from) {
-        for (unsigned col = 0; col < table_.get_num_fields(); ++col) {
+        for (const unsigned col : compared_) {
             const std::string_view offered = valueOf(taken_, from, col);
             const std::string_view held = valueOf(table_, row, col);
-            if (offered.empty() || held == offered || !isCompared(col)) {
+            if (offered.empty() || held == offered) {
                 continue;
             }
             if (held.empty()) {
@@ -170,12 +184,6 @@ private:
         }
     }
 
-    /// A row's tags are its table's own, and keys are equal but for their case.
-    [[nodiscard]] bool isCompared(unsigned col) const {
-        return static_cast<int>(col) != table_.get_fieldnum("Tag") &&
-               std::find(keys_.begin(), keys_.end(), col) == keys_.end();
-    }
-
     [[nodiscard]] std::string differing() const {
         return differing_ == 0
                    ? ""
@@ -188,6 +196,7 @@ private:
     oledb taken_; // the other's rows in this table's columns, tagged where they match
     std::string otherName_;
     std::vector<unsigned> keys_;
+    std::vector<unsigned> compared_;
     Findings differences_;
     Findings unread_;
     std::size_t filled_ = 0;

@@ -3,13 +3,13 @@
 // That column is all that a table file keeps of tags: a number other than 0 is a tag.
 
 #include "Command.h"
-#include "extraColumns.h"
 #include "messages.h"
 #include "ole/oledb/ODBView.h"
 #include "ole/oledb/oledb.h"
 #include "selection.h"
 #include "TableEdit.h"
 #include "tableValues.h"
+#include "tagColumn.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -63,14 +63,15 @@ bool wanted(bool tagged, bool chosen, const TagOptions& options) {
     return chosen || (options.add && tagged);
 }
 
-/// Writes the marks that differ; a tag that stays keeps its number.
-void writeTags(oledb& table, const Marks& before, const Marks& after) {
-    const auto col = static_cast<unsigned>(table.addField({"Tag", DBFieldTypes::LONG}));
-    for (unsigned row = 0; row < after.size(); ++row) {
-        if (before[row] != after[row] || valueOf(table, row, col).empty()) {
-            table.set_field(row, col, after[row] ? "1" : "0");
+/// Writes the marks that differ; a tag that stays keeps its number. False where there is no room.
+bool writeTags(oledb& table, const Marks& before, const Marks& after) {
+    const auto col = tagColumn(table);
+    for (unsigned row = 0; col && row < after.size(); ++row) {
+        if (before[row] != after[row] || valueOf(table, row, *col).empty()) {
+            table.set_field(row, *col, after[row] ? "1" : "0");
         }
     }
+    return col.has_value();
 }
 
 EditOutcome outcomeOf(const Marks& before, const Marks& after, const EditOptions& edit) {
@@ -104,12 +105,8 @@ EditOutcome tagRows(oledb& table, const TagOptions& options) {
         after[row] = wanted(before[row], chosen[row], options);
     }
     EditOutcome outcome = outcomeOf(before, after, options.edit);
-    if (outcome.changed) {
-        if (table.get_fieldnum("Tag") < 0 && !hasRoomFor(table, "Tag")) {
-            sayLine("the table has no room for a column \"Tag\"");
-            return {.code = exitFailure};
-        }
-        writeTags(table, before, after);
+    if (outcome.changed && !writeTags(table, before, after)) {
+        return {.code = exitFailure};
     }
     return outcome;
 }

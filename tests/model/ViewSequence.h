@@ -120,18 +120,21 @@ inline const OnTable tableOperations[] = {
 
 class ViewSequence {
 public:
-    explicit ViewSequence(Random& random)
-        : random_{random}, heard_{!random.oneIn(4)}, ground_{random.oneIn(4) ? "id" : "Tag"},
-          table_{makeTable({ground_.hasTagField() ? "Tag" : "id", "Cookie"})} {
+    /// Works on a table that `save` left, or on a new one.
+    explicit ViewSequence(Random& random, std::unique_ptr<oledb> saved = {})
+        : random_{random}, heard_{!random.oneIn(4)},
+          table_{saved ? std::move(saved) : makeTable({random.oneIn(4) ? "id" : "Tag", "Cookie"})},
+          ground_{table_->get_fieldname(0)} {
         table_->set_query(&query_);
         if (random_.oneIn(2)) {
-            listenTo(*table_, ground_, "early");
+            listenTo(*table_, ground_, "early", table_->life());
         }
+        takeRows();
         fillTable();
         for (int i = 0; i < 3; ++i) {
             add(ODBView{table_.get()}, std::make_shared<ViewModel>(ground_));
         }
-        listenTo(*table_, ground_, "late");
+        listenTo(*table_, ground_, "late", table_->life());
         compare();
     }
 
@@ -162,6 +165,21 @@ public:
         }
         compare();
     }
+    /// Saves the table; what is loaded from the file agrees row for row.
+    void save(const LightweightString<wchar_t>& path) {
+        table_->set_show_tags_only(0);
+        ground_.set_show_tags_only(0);
+        table_->set_filename(path);
+        ASSERT_EQ(table_->save_text(), static_cast<int>(ground_.get_num_records()));
+        Rows rows;
+        for (unsigned i = 0; i < ground_.get_num_records(); ++i) {
+            if (ground_.hasTagField()) { // saving writes the tags there
+                ground_.set_field(i, 0, std::to_string(ground_.get_tag(i)).c_str());
+            }
+            rows.push_back(ground_.values(i));
+        }
+        ASSERT_EQ(::rowsOf(oledb{path, INT_MAX, true}), rows);
+    }
     [[nodiscard]] const std::string& lastStep() const { return step_; }
 
 private:
@@ -179,6 +197,11 @@ private:
     struct Heard {
         int notices = 0;
         std::vector<int> seen;
+    };
+    struct Listening {
+        std::string name;
+        std::weak_ptr<const void> source; ///< as long as that lives
+        NotifierModel::Registration plain;
     };
 
     Both& view() { return views_[chosen_]; }
@@ -274,6 +297,12 @@ private:
         if (views_.size() > 5) { // a base lives on under the views on it
             views_.erase(views_.begin() + anyView());
         }
+        std::erase_if(listeners_, [this](const Listening& listening) {
+            if (listening.source.expired()) {
+                notices_.leave(listening.name);
+            }
+            return listening.source.expired();
+        });
     }
     void add(ODBView real, const std::shared_ptr<ViewModel>& plain) {
         if (depthOf(plain.get()) > 3) {
@@ -281,7 +310,7 @@ private:
         }
         views_.push_back({std::move(real), plain});
         if (!random_.oneIn(3)) {
-            listenTo(*views_.back().real, *plain, "v" + std::to_string(++names_));
+            listenTo(*views_.back().real, *plain, "v" + std::to_string(++names_), plain);
         }
         if (random_.oneIn(2)) {
             views_.back().real->displayAllRecords();
@@ -306,6 +335,13 @@ private:
             }
         }
         return height;
+    }
+    void takeRows() {
+        ground_.add_records(static_cast<int>(table_->get_num_records()));
+        for (unsigned row = 0; row < table_->get_num_records(); ++row) {
+            ground_.set_field(row, 0, table_->get_field(row, 0));
+            ground_.rows.rows[row].cookie = table_->get_field(row, 1);
+        }
     }
     void fillTable() {
         const unsigned n = random_.below(45);
@@ -338,7 +374,8 @@ private:
 
     // -- listeners --
 
-    void listenTo(Notifier& real, SourceModel& plain, const std::string& name) {
+    void listenTo(Notifier& real, SourceModel& plain, const std::string& name,
+                  std::weak_ptr<const void> source) {
         if (!heard_) {
             return;
         }
@@ -348,14 +385,15 @@ private:
                 reaction_.operation->real(*views_[reaction_.view].real, reaction_.arguments);
             }
         });
-        listeners_.push_back(plain.notifier.listen([=, this](const auto& type, const auto& text) {
+        auto heard = plain.notifier.listen([=, this](const auto& type, const auto& text) {
             plainNotices_ += plainNotices_.empty() ? "" : " ";
             plainNotices_ += name + " " + type + " {" + text + "}";
             hear(plainHeard_, [](Both& both) -> ViewModel& { return *both.plain; });
             if (plainHeard_.notices == reaction_.at) {
                 reaction_.operation->plain(*views_[reaction_.view].plain, reaction_.arguments);
             }
-        }));
+        });
+        listeners_.push_back({name, std::move(source), std::move(heard)});
     }
     template <class Side>
     void hear(Heard& heard, Side side) {
@@ -381,7 +419,8 @@ private:
         ASSERT_EQ(notices_.taken(), plainNotices_);
         plainNotices_.clear();
         ASSERT_EQ(realHeard_.seen, plainHeard_.seen) << "what the listeners saw";
-        realHeard_ = plainHeard_ = {};
+        realHeard_ = {};
+        plainHeard_ = {};
         for (Both& both : views_) {
             ODBViewRep* real = both.real.rep();
             for (ViewModel* plain = both.plain.get(); plain; plain = plain->baseView()) {
@@ -409,12 +448,12 @@ private:
 
     Random& random_;
     const bool heard_; ///< whether anybody listens
-    GroundModel ground_;
     dbrecord query_{2};
     std::unique_ptr<oledb> table_;
+    GroundModel ground_;
     NoticeRecorder notices_;
     std::string plainNotices_;
-    std::vector<NotifierModel::Registration> listeners_;
+    std::vector<Listening> listeners_;
     Heard realHeard_;
     Heard plainHeard_;
     Reaction reaction_;

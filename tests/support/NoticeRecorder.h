@@ -31,6 +31,10 @@ public:
             listen(notifier, name, type, reaction);
         }
     }
+    /// Ends what `watch` began under that name.
+    void leave(const std::string& name) {
+        std::erase_if(guards_, [&](const auto& guard) { return guard.first == name; });
+    }
     /// Everything since the last call: "[name] type {text}" each, joined by one blank.
     std::string taken() { return std::exchange(notices_, std::string{}); }
 
@@ -45,7 +49,8 @@ private:
             }
             return 0;
         };
-        guards_.push_back(notifier.registerInterest(note, NotifyMsgTypeDictionary::intern(type)));
+        guards_.emplace_back(
+            name, notifier.registerInterest(note, NotifyMsgTypeDictionary::intern(type)));
     }
     /// The text of a message, or the cookies of its payload.
     static std::string body(const NotifyMsg& msg) {
@@ -59,5 +64,5 @@ private:
     }
 
     std::string notices_;
-    std::vector<Tarn::Ptr<Tarn::Guard>> guards_;
+    std::vector<std::pair<std::string, Tarn::Ptr<Tarn::Guard>>> guards_;
 };

@@ -12,6 +12,8 @@ and runs all tests.
   --asan        build with AddressSanitizer and UndefinedBehaviorSanitizer
   --debug       build without optimisation, with checked standard containers
   --clang       build with Clang
+  --long        the long forms: a session of ten minutes, every point of failure,
+                500 kills; then every fuzzer for fifteen minutes (two hours in all)
   --jobs N      run N jobs at a time (default: one for each processor)
   --no-install  install nothing
   --help        show this text
@@ -24,6 +26,7 @@ END
 
 preset=release
 install=yes
+long=no
 jobs=$(nproc)
 while [ $# -gt 0 ]; do
   case $1 in
@@ -34,6 +37,7 @@ while [ $# -gt 0 ]; do
       shift
       ;;
     --no-install) install=no ;;
+    --long) long=yes ;;
     --help | -h) usage; exit 0 ;;
     --) shift; break ;;
     *) echo "test.sh: unknown option $1" >&2; usage >&2; exit 2 ;;
@@ -46,7 +50,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 if [ $install = yes ]; then
   echo "== Installing what is missing"
   groups=(build test)
-  [ "$preset" != clang ] || groups+=(lint)
+  [ "$preset" != clang ] && [ $long = no ] || groups+=(lint)
   scripts/install-deps.sh "${groups[@]}"
 fi
 
@@ -55,7 +59,15 @@ cmake --preset "$preset" </dev/null
 cmake --build --preset "$preset" --parallel "$jobs" </dev/null
 
 echo "== Testing"
+if [ $long = yes ]; then
+  export OLE_LONG_TESTS=1 OLE_SOAK_SECONDS=${OLE_SOAK_SECONDS-600}
+fi
 if [ -z "${OLE_REAL_LOGS-}" ]; then
   echo "OLE_REAL_LOGS is not set: tests that read real logs are skipped"
 fi
 ctest --preset "$preset" --parallel "$jobs" "$@" </dev/null
+
+if [ $long = yes ]; then
+  echo "== Fuzzing"
+  scripts/fuzz.sh 900
+fi

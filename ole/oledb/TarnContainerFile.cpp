@@ -194,12 +194,9 @@ void TarnContainerFile::Writer::save(const LightweightString<wchar_t>& path) {
         return; // it would be taken for the new file
     }
     table_.save_text();
-    // Saving leaves a whole file or none, so what stands there decides. The move replaces in one
-    // step: a crash never finds both names empty.
-    if (fileExists(beside)) {
-        OS().copyPermissions(path, beside);
-        if (!OS().moveFile(beside, path, 1)) {
-            OS().removeFile(beside);
-        }
+    // Saving leaves a whole file or none. The move replaces in one step: a crash never finds both
+    // names empty.
+    if (!OS().copyPermissions(path, beside) || !OS().moveFile(beside, path, 1)) {
+        OS().removeFile(beside);
     }
 }

@@ -120,7 +120,9 @@ bool copyPermissions(int file, const struct stat& other) noexcept {
     const bool foreign = fresh.st_uid != other.st_uid || fresh.st_gid != other.st_gid;
     const bool given = !foreign || fchown(file, other.st_uid, other.st_gid) == 0;
     // A file that stays with another owner must not carry that owner's set-id bits.
-    return fchmod(file, other.st_mode & (given ? 07777 : 0777)) == 0;
+    const mode_t wanted = other.st_mode & (given ? 07777 : 0777);
+    // Where all files have the same permissions, the system may refuse to set any.
+    return fchmod(file, wanted) == 0 || (fresh.st_mode & 07777) == wanted;
 }
 
 } // namespace Tarn

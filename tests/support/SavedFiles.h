@@ -4,6 +4,7 @@
 // stand in a folder after a save that came to no good end.
 
 #include "ole/interchange/CSV.h"
+#include "ole/interchange/ODBFieldView.h"
 #include "ole/oledb/TarnContainerFile.h"
 #include "support/Captured.h"
 #include "support/Views.h"
@@ -93,18 +94,26 @@ inline bool saveContainer(Version& version, const WidePath& path) {
     return true;
 }
 
+inline bool saveFieldView(Version& version, const WidePath& path) {
+    const char* const names[] = {"Name", "Note", nullptr};
+    ODBFieldView fields{version.view, names};
+    fields.setFileName(path);
+    return fields.exportNewOleDb(false) != 0;
+}
+
 inline const FileKind fileKinds[] = {
     {"Table", true, saveTable<&oledb::save_text>},
     {"TableWithoutHeader", true, saveTable<&oledb::save_text_without_header>},
     {"TaggedRows", true, saveTable<&oledb::save_tags>},
     {"View", true, saveView},
     {"TaggedRecords", true, saveTagged},
+    {"FieldView", true, saveFieldView},
     {"Csv", false, saveCsv, false},
     {"CsvLines", true, saveCsvLines, false},
     {"Container", false, saveContainer},
 };
 /// One for each way of saving; the others differ in what they write and how they tell.
-inline const FileKind mainKinds[] = {fileKinds[0], fileKinds[5], fileKinds[7]};
+inline const FileKind mainKinds[] = {fileKinds[0], fileKinds[6], fileKinds[8]};
 
 /// A folder with a file that is saved again and again, in one of two versions.
 class SavedFile : public testing::TestWithParam<FileKind> {

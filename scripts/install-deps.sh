@@ -2,7 +2,7 @@
 # Installs what the project needs from the system's own package archive (Debian, Ubuntu), and
 # nothing where everything is there. Asks no questions; uses sudo only where it is not root.
 #
-# usage: scripts/install-deps.sh [build] [test] [lint]     default: all three
+# usage: scripts/install-deps.sh [build] [test] [lint] [bench]     default: all four
 set -euo pipefail
 
 # Each need: the package, and a command that succeeds where it is there already.
@@ -43,6 +43,15 @@ shellcheck      command -v shellcheck
 END
 }
 
+bench_needs() {
+  cat <<'END'
+libbenchmark-dev installed libbenchmark-dev
+libsqlite3-dev   installed libsqlite3-dev
+miller           command -v mlr
+python3          test -x /usr/bin/python3
+END
+}
+
 installed() {
   dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q '^install ok installed$'
 }
@@ -66,13 +75,13 @@ missing_packages() {
 }
 
 groups=("$@")
-[ ${#groups[@]} -gt 0 ] || groups=(build test lint)
+[ ${#groups[@]} -gt 0 ] || groups=(build test lint bench)
 missing=()
 for group in "${groups[@]}"; do
   case $group in
-    build | test | lint) mapfile -t -O "${#missing[@]}" missing < <("${group}_needs" | missing_packages) ;;
+    build | test | lint | bench) mapfile -t -O "${#missing[@]}" missing < <("${group}_needs" | missing_packages) ;;
     *)
-      echo "usage: scripts/install-deps.sh [build] [test] [lint]" >&2
+      echo "usage: scripts/install-deps.sh [build] [test] [lint] [bench]" >&2
       exit 2
       ;;
   esac

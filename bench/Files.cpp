@@ -1,0 +1,134 @@
+// Load, save and CSV export; the memory of a loaded table.
+
+#include "Measure.h"
+#include "suites.h"
+#include "Tables.h"
+
+#include "ole/interchange/CSV.h"
+#include "ole/oledb/ODBView.h"
+#include "tarn/StringMemory.h"
+#include "tarn/TextFile.h"
+
+#include <filesystem>
+
+namespace bench {
+
+namespace {
+
+void load(benchmark::State& state, unsigned rows) {
+    const auto path = pathOf(workloadFile(Form::Table, rows));
+    measure(
+        state, rows, [] { return std::unique_ptr<oledb>{}; },
+        [&](std::unique_ptr<oledb>& table) {
+            table = std::make_unique<oledb>(path, static_cast<int>(rows), true);
+            return table->get_num_records() == rows;
+        });
+}
+
+void loadSqlite(benchmark::State& state, unsigned rows) {
+    const std::string path = workloadFile(Form::Csv, rows);
+    measure(
+        state, rows, [] { return std::unique_ptr<Sqlite>{}; },
+        [&](std::unique_ptr<Sqlite>& db) {
+            db = std::make_unique<Sqlite>(Sqlite::withCsv(path));
+            return db->rows() == rows;
+        });
+}
+
+void save(benchmark::State& state, unsigned rows) {
+    measure(
+        state, rows, [=]() -> oledb& { return sharedTable(rows); },
+        [=](oledb& table) {
+            table.set_filename(pathOf(outputFile("saved.odb")));
+            return table.save_text() == static_cast<int>(rows);
+        });
+}
+
+/// As hosts save who leave the setting alone: waits until the disk holds the file.
+void saveFlushed(benchmark::State& state, unsigned rows) {
+    const auto path = std::filesystem::temp_directory_path() / "ole-bench-flushed.odb";
+    TextFile::setFlushToDisk(true);
+    measure(
+        state, rows, [=]() -> oledb& { return sharedTable(rows); },
+        [&](oledb& table) {
+            table.set_filename(pathOf(path.string()));
+            return table.save_text() == static_cast<int>(rows);
+        });
+    TextFile::setFlushToDisk(false);
+    std::filesystem::remove(path);
+}
+
+void saveSqlite(benchmark::State& state, unsigned rows) {
+    const std::string path = outputFile("sqlite.odb");
+    measure(
+        state, rows, [=]() -> Sqlite& { return sharedDatabase(rows); },
+        [&](Sqlite& db) {
+            db.writeTable(path);
+            return std::filesystem::file_size(path) > rows;
+        });
+}
+
+void csv(benchmark::State& state, unsigned rows) {
+    const std::string path = outputFile("export.csv");
+    ODBView view{&sharedTable(rows)};
+    view->displayAllRecords();
+    measure(
+        state, rows, [&]() -> ODBView& { return view; },
+        [&](ODBView& shown) {
+            return CSV{shown}.writeTo(pathOf(path)) && std::filesystem::file_size(path) > rows;
+        });
+}
+
+void csvSqlite(benchmark::State& state, unsigned rows) {
+    const std::string path = outputFile("sqlite.csv");
+    measure(
+        state, rows, [=]() -> Sqlite& { return sharedDatabase(rows); },
+        [&](Sqlite& db) {
+            db.writeCsv(path);
+            return std::filesystem::file_size(path) > rows;
+        });
+}
+
+/// Means something in a process that did nothing before.
+template <class Load>
+void memory(benchmark::State& state, unsigned rows, Load loadOne) {
+    workloadFile(Form::Table, rows);
+    workloadFile(Form::Csv, rows);
+    forgetPeak();
+    const double before = residentMiB();
+    auto loaded = loadOne();
+    for ([[maybe_unused]] auto _ : state) {
+        state.SetIterationTime(0.001); // nothing is timed here
+    }
+    const double held = residentMiB();
+    state.counters["held_MiB"] = held;
+    state.counters["peak_MiB"] = peakMiB();
+    state.counters["bytes/row"] = (held - before) * 1024 * 1024 / rows;
+    state.counters["strings/row"] = static_cast<double>(Tarn::StringMemory::bytesHeld()) / rows;
+    loaded.reset();
+    state.counters["released_MiB"] = residentMiB();
+    state.counters["before_MiB"] = before;
+}
+
+} // namespace
+
+void addFiles() {
+    add("load", "ours", load);
+    add("load", "sqlite", loadSqlite);
+    add("save", "ours", save);
+    add("save", "sqlite", saveSqlite);
+    add("save-flushed", "ours", saveFlushed);
+    add("csv", "ours", csv);
+    add("csv", "sqlite", csvSqlite);
+    add("memory", "ours", [](benchmark::State& state, unsigned rows) {
+        memory(state, rows, [=] { return freshTable(rows); });
+    });
+    add("memory", "sqlite", [](benchmark::State& state, unsigned rows) {
+        memory(state, rows, [=] {
+            const std::string path = workloadFile(Form::Csv, rows);
+            return std::make_unique<Sqlite>(Sqlite::withCsv(path));
+        });
+    });
+}
+
+} // namespace bench

@@ -312,8 +312,8 @@ public:
     int in_field(unsigned r, unsigned f, double& number) override;
     int in_field(unsigned r, unsigned f, bool& flag) override;
     int add_records(int n) override;
-    /// Sets a parameter of this view alone, null as a null string; returns 0. A null name sets
-    /// nothing. No file gives back a parameter whose name is "".
+    /// Sets a parameter of this view alone, null as a null string; a null name nothing. Returns 0.
+    /// A saved view with parameters loads only where the first is "OLEDB"; a name "" is lost.
     int add_param(const char* name, const char* value) override;
     int set_param_val(const char* name, const char* value) override;
     [[nodiscard]] const char* get_param_val(const char* name) const override;

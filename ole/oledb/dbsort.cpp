@@ -28,6 +28,12 @@ int timecode_field = -1;
 constexpr std::size_t timeOfTimecode = 8;   // hours, minutes, seconds and their marks
 constexpr std::size_t framesOfTimecode = 9; // behind the mark that tells drop frame
 
+/// A count beyond the largest number goes on with the smallest: long sorts must not end in nothing
+/// defined.
+void countComparison() {
+    comco = static_cast<int>(static_cast<unsigned>(comco) + 1);
+}
+
 const dbrecord& recordAt(const void* element) {
     return **static_cast<const dbrecord* const*>(element);
 }
@@ -75,7 +81,7 @@ int compareAtOffset(std::string_view a, std::string_view b) {
 } // namespace
 
 int dbr_cmp(const void* a, const void* b) {
-    ++comco;
+    countComparison();
     const dbrecord& first = recordAt(a);
     const dbrecord& second = recordAt(b);
     const bool firstBlank = first.is_blank() != 0;
@@ -102,7 +108,7 @@ int dbr_cmp(const void* a, const void* b) {
 }
 
 int dbr_backcmp(const void* a, const void* b) {
-    ++comco;
+    countComparison();
     for (const int* key = cmp_fields; key && *key >= 0; ++key) {
         const int result =
             compareIgnoringCase(valueAt(recordAt(a), *key), valueAt(recordAt(b), *key));

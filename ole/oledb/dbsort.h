@@ -9,7 +9,7 @@
 /// The key list of the table prepared last: column numbers up to the first negative one. Null
 /// before the first `sortPrepare`; it dangles when that table, or the caller's list, has gone.
 extern OLE_API int* cmp_fields;
-/// Comparisons made since the last `sortPrepare`.
+/// Comparisons made since the last `sortPrepare`; goes round behind the largest number.
 extern OLE_API int comco;
 
 /// Ascending. Blank rows come last, then rows with an empty key; leading blanks do not count. Two

@@ -405,6 +405,7 @@ private:
     void rowRead() noexcept;
 
     bool readHeader(TextFile& file, dbrecord& scratch, int fieldsFound, bool requireHeader);
+    void takeFieldCount(int found);
     bool readColumns(TextFile& file, dbrecord& scratch);
     void takeHeaderlessColumns(const dbrecord& scratch, int fieldsFound);
     void nameColumns(const dbrecord& scratch);

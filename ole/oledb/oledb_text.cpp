@@ -127,12 +127,16 @@ int oledb::save_column_header(TextFile& file, bool namesOnly) {
     return 1;
 }
 
-bool oledb::readColumns(TextFile& file, dbrecord& scratch) {
-    numFields_ = static_cast<unsigned>(scratch.read(file));
+void oledb::takeFieldCount(int found) {
+    numFields_ = static_cast<unsigned>(found);
     if (numFields_ > maxFileFields) {
         console_printf("****WARNING:  OLEDB %s has too many fields", toUTF8(filename_).c_str());
         numFields_ = maxFileFields;
     }
+}
+
+bool oledb::readColumns(TextFile& file, dbrecord& scratch) {
+    takeFieldCount(scratch.read(file));
     if (static_cast<unsigned>(scratch.read(file)) != numFields_) {
         fill_error_info(headerError, typesLine, 0, 0);
         return false;
@@ -149,7 +153,7 @@ bool oledb::readColumns(TextFile& file, dbrecord& scratch) {
 }
 
 void oledb::takeHeaderlessColumns(const dbrecord& scratch, int fieldsFound) {
-    numFields_ = std::min(static_cast<unsigned>(fieldsFound), maxFileFields);
+    takeFieldCount(fieldsFound);
     for (unsigned i = 0; i < numFields_; ++i) {
         const bool isTime = namesATime(scratch.getField(static_cast<unsigned short>(i)));
         set_fieldtype(i, isTime ? DBFieldTypes::TIMECODE : DBFieldTypes::TEXT);

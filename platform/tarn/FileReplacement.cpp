@@ -51,7 +51,7 @@ std::string withoutLinks(std::string path) {
     if (leadsToDevice(path)) {
         return path; // what a link to an open pipe says is no name
     }
-    for (int i = 0; i < mostLinks; ++i) {
+    for (int followed = 0; followed <= mostLinks; ++followed) {
         const auto text = linkText(path);
         if (!text) {
             return path;

@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <limits>
+#include <new>
 #include <utility>
 
 namespace {
@@ -106,11 +108,18 @@ bool TextFile::load(const LightweightString<wchar_t>& path, char terminator, boo
     return true;
 }
 
+void TextFile::startLine(std::size_t start) {
+    if (starts_.size() == std::numeric_limits<unsigned>::max()) {
+        throw std::bad_alloc{}; // `numLines` could not tell of it
+    }
+    starts_.push_back(start);
+}
+
 void TextFile::cutLines(char terminator) {
     terminator_ = terminator;
     std::size_t start = 0;
     while (start < buffer_.size()) {
-        starts_.push_back(start);
+        startLine(start);
         const std::size_t end = buffer_.find(terminator, start);
         start = end == std::string::npos ? buffer_.size() : end + 1;
     }
@@ -154,7 +163,7 @@ void TextFile::appendLine(std::string_view text) {
         output_->append(text);
         return;
     }
-    starts_.push_back(buffer_.size());
+    startLine(buffer_.size());
     try {
         buffer_.append(text);
     } catch (...) {

@@ -11,7 +11,8 @@
 /// A text file in memory: a list of lines with a current line, read whole and written whole.
 ///
 /// Loading keeps the file in one buffer, the lines are slices of it. Bytes are passed through as
-/// they are; zero bytes and a byte order mark stay in their line. Cost is linear in the file's
+/// they are; zero bytes and a byte order mark stay in their line. Lines are numbered in 32 bits:
+/// more of them in memory than that count as memory run out. Cost is linear in the file's
 /// size. Files that cannot be opened, read or written are told by results; only std::bad_alloc is
 /// thrown.
 class TARN_API TextFile {
@@ -95,6 +96,7 @@ private:
 
     void swap(TextFile& other) noexcept;
     void clear() noexcept;
+    void startLine(std::size_t start);
     void cutLines(char terminator);
     [[nodiscard]] std::string_view loadedLine(std::string_view withEnd) const noexcept;
     [[nodiscard]] const LightweightString<wchar_t>&

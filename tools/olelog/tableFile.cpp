@@ -103,6 +103,7 @@ public:
     bool tellLosses(oledb& table) const {
         dberror error;
         const bool failed = table.read_error_info(error);
+        const bool lostParameters = tellLostParameters();
         if (failed && error.code == 1) {
             tellWrongRow(table, static_cast<unsigned>(error.where));
             return true;
@@ -110,7 +111,7 @@ public:
         if (failed) {
             say("{}: line {}: a column's type is unknown; it is read as text", name_, header_ + 2);
         }
-        const bool lost = tellBadLines();
+        const bool lost = tellBadLines() || lostParameters;
         return tellLinesBehindBlank() || tellCutEnd() || lost || failed;
     }
 
@@ -188,6 +189,29 @@ private:
 
     static bool startsSecondHeader(std::string_view text) {
         return text.find(headerWord) != std::string_view::npos && firstField(text) == headerWord;
+    }
+
+    /// Parameters for which there is no room are losses. Lines that are none were never more.
+    bool tellLostParameters() const {
+        Findings none;
+        Findings lost;
+        unsigned taken = 0;
+        for (unsigned number = 1; number < header_; ++number) {
+            const std::string text = firstField(line(number));
+            const std::size_t colon = text.find(':');
+            if (colon == std::string::npos || colon == 0) {
+                none.tell(fmt::format("{}: line {}: is no parameter, name:value, and was not read",
+                                      name_, number));
+            } else if (++taken > oledb::maxParams) {
+                lost.tell(fmt::format("{}: line {}: the parameter {} was not read; a table has "
+                                      "room for {}",
+                                      name_, number, inQuotes(text.substr(0, colon)),
+                                      oledb::maxParams));
+            }
+        }
+        none.close();
+        lost.close();
+        return lost.any();
     }
 
     /// Lines that the module read otherwise than they stand.

@@ -264,12 +264,6 @@ def test_heading_parameters_that_differ_or_do_not_fit_are_named(tmp_path):
     assert 'b.ale: heading differs' in said and 'TAPE is "two", was "one"' in said and 'was "25"' in said
     assert "SAME" not in said
 
-    many = ["Heading", *[f"P{i:02}\t{i}" for i in range(42)]]
-    write_log(tmp_path / "c.ale", ["Name"], [["A"]], heading=many)
-    said = expect(1, "import", "c.ale", "-o", "t.odb", cwd=tmp_path)
-    assert "do not fit into the table's 40: P39, P40, P41\n" in said
-    assert len(info(tmp_path / "t.odb")["parameters"]) == 40
-
 
 def test_rows_with_a_leading_tab_are_told_to_be_shifted(tmp_path):
     log = write_log(tmp_path / "a.ale", ["Name", "Take"], [["A", "1"], ["", "2"], ["", ""]])
@@ -306,24 +300,6 @@ def test_parameter_that_the_table_file_changes_is_told(tmp_path):
     log = write_log(tmp_path / "a.ale", ["Name"], [["A"]], heading=heading)
     said = expect(1, "import", log, "-o", tmp_path / "a.odb")
     assert "parameter TITLE" in said and "parameter FILM_FORMAT" in said and 'parameter "A:B"' in said
-
-
-def row_bytes(name, note):
-    """A row of Name and Notes in the standard columns, as a line: Tag holds a 0."""
-    return len('","'.join(["", *[""] * (len(STANDARD) - 1)])) + 2 + len(name) + len(note) + 1
-
-
-def test_row_longer_than_a_line_of_a_table_file_refuses_the_table(tmp_path):
-    room = 4095 - row_bytes("A", "")
-    log = write_log(tmp_path / "fits.ale", ["Name", "Notes"], [["A", "x" * room]])
-    expect(0, "import", log, "-o", tmp_path / "fits.odb")
-    assert csv_rows(tmp_path / "fits.odb")[0]["Notes"] == "x" * room
-
-    log = write_log(tmp_path / "long.ale", ["Name", "Notes"], [["B", ""], ["A", "x" * room], ["C", "x" * (room - 1) + '"']])
-    said = expect(3, "import", log, "-o", tmp_path / "long.odb")
-    assert "long.ale:12: the row needs a line of 4096 bytes" in said and "long.odb: not written" in said
-    assert "long.ale:11" not in said and not (tmp_path / "long.odb").exists()
-    assert leftovers(tmp_path) == []
 
 
 def test_first_value_that_reads_as_a_header_refuses_the_table(tmp_path):

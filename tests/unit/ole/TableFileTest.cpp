@@ -25,14 +25,6 @@ std::string joined(const Texts& lines) {
     return text;
 }
 
-std::string repeated(const std::string& piece, int n) {
-    std::string text;
-    for (int i = 0; i < n; ++i) {
-        text += (i == 0 ? "" : ",") + piece;
-    }
-    return text;
-}
-
 class TableFile : public testing::Test {
 protected:
     TableFile() { TextFile::setFlushToDisk(false); }
@@ -181,24 +173,6 @@ TEST_F(TableFile, WithoutHeaderNamesMakeTimecodes) {
     EXPECT_EQ(table->get_fieldnum("start tc"), 0);
     EXPECT_EQ(load(std::string{header2})->get_timecode_columns(),
               (std::vector<unsigned>{0xFFFFFFFFU}));
-    const auto wide = load(repeated("n", 300) + "\n", false);
-    EXPECT_LE(wide->get_num_fields(), 255U) << "more names than a table can hold";
-}
-
-TEST_F(TableFile, The255thColumnStillLoads) {
-    const auto tableOf = [](int n) {
-        const std::string line = repeated("x", n) + "\n";
-        return "OLEDB\n" + line + line + line;
-    };
-    Captured said;
-    const auto table = load(tableOf(255));
-    EXPECT_EQ(table->get_valid(), 1);
-    EXPECT_EQ(table->get_num_fields(), 255U);
-    EXPECT_EQ(table->get_fieldnum("X"), 254) << "of equal names the last is found";
-    EXPECT_TRUE(said.silent());
-    EXPECT_EQ(load(tableOf(256))->get_valid(), 0);
-    EXPECT_EQ(said.console,
-              "****WARNING:  OLEDB " + folder_.path("table") + " has too many fields");
 }
 
 TEST_F(TableFile, ParametersAsTheyStandInTheFile) {
@@ -214,14 +188,6 @@ TEST_F(TableFile, ParametersAsTheyStandInTheFile) {
     EXPECT_EQ(table->add_oledb(makeTable({"a", "b"}).get()), -1) << "another revision";
     EXPECT_EQ(table->get_changed(), 0);
     EXPECT_EQ(load("OLEDB:none\n" + std::string{header2})->get_revision(), 0);
-
-    std::string many = "\"OLEDB:Rev 1\"\n";
-    for (int i = 1; i <= 45; ++i) {
-        many += "\"p" + std::to_string(i) + ":v\"\n";
-    }
-    const auto full = load(many + header2);
-    EXPECT_EQ(full->get_valid(), 1);
-    EXPECT_EQ(full->get_num_params(), 40U);
 }
 
 TEST_F(TableFile, ParameterAndColumnTextsAreNotEscaped) {

@@ -111,21 +111,6 @@ TEST(TableRows, CopiesOutliveTheirSource) {
     copy.sort(-1, 0);
 }
 
-TEST(TableRows, ColumnsBeyond256AreLeftOut) {
-    Columns many;
-    for (int i = 0; i < 300; ++i) {
-        many.emplace_back("c" + std::to_string(i), DBFieldTypes::LONG);
-    }
-    const auto table = makeTable(many, {Texts(256, "v")});
-    EXPECT_EQ(table->get_num_fields(), 256U);
-    EXPECT_EQ(table->get_field(0, 256), nullptr);
-    EXPECT_EQ(table->addField({"more", DBFieldTypes::TEXT}), -1);
-    const auto extra = descriptors({"x", "y"});
-    oledb wider{*table, extra.data()};
-    EXPECT_EQ(wider.get_num_fields(), 256U);
-    EXPECT_EQ(rowsOf(wider), (Rows{Texts(256, "v")}));
-}
-
 TEST(TableRows, AppendingATable) {
     const auto source = makeTable({"A", "b"}, {{"x", "1"}, {"y", "2"}});
     const auto same = makeTable({"a", "B"}, {{"w", "0"}});

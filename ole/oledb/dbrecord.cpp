@@ -18,6 +18,7 @@
 #include <cstring>
 #include <memory>
 #include <span>
+#include <utility>
 
 DBFieldTypes::eType dbrecord::def_types[256] = {};
 
@@ -60,6 +61,12 @@ const char* exportKey(const char* column) {
     return found == columns.end() ? nullptr : found->key;
 }
 
+/// The value itself where it begins with none, so that records share it.
+LightweightString<char> withoutLeadingBlanks(const LightweightString<char>& value) {
+    const std::string_view text = Tarn::trimmedFront(value.c_str());
+    return !text.empty() && text.size() == value.size() ? value : LightweightString<char>{text};
+}
+
 const LightweightString<char>& sharedEmptyString() {
     static const LightweightString<char> empty{""};
     return empty;
@@ -80,11 +87,19 @@ dbrecord::dbrecord(const dbrecord& src, unsigned short n)
 // A record assigned to itself loses its leading blanks too.
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp)
 dbrecord& dbrecord::operator=(const dbrecord& src) {
-    const int taken = std::min(size_, src.nfields_);
-    for (int i = 0; i < taken; ++i) {
-        set_field(i, src.getField(static_cast<unsigned short>(i)).c_str(), true);
+    const auto taken = std::min(size_, src.nfields_);
+    std::vector<LightweightString<char>> values; // all of them first: memory may run out
+    values.reserve(taken);
+    for (unsigned short i = 0; i < taken; ++i) {
+        values.push_back(withoutLeadingBlanks(src.getField(i)));
     }
-    nfields_ = static_cast<unsigned short>(taken);
+    for (std::size_t i = 0; i < taken; ++i) {
+        if (!values[i].empty() || !values_[i].empty()) {
+            values_[i] = std::move(values[i]);
+        }
+        noteChanged(static_cast<int>(i));
+    }
+    nfields_ = taken;
     return *this;
 }
 

@@ -212,6 +212,16 @@ std::vector<SharedColumn> sharedColumns(oledb& here, const oledb& there) {
     return shared;
 }
 
+void copyShared(oledb& here, unsigned to, oledb& there, unsigned from,
+                const std::vector<SharedColumn>& shared) {
+    for (const SharedColumn& col : shared) {
+        const auto type = there.get_field_type(static_cast<unsigned>(col.there));
+        const auto text =
+            converted(there.get_field(from, col.there), type, here.get_field_type(col.here));
+        here.set_field(to, col.here, text.c_str());
+    }
+}
+
 } // namespace
 
 int oledb::merge_all_matching(oledb* other) {
@@ -223,17 +233,18 @@ int oledb::merge_all_matching(oledb* other) {
         return 0;
     }
     const unsigned rows = other->get_num_records(); // once: the other table may be this one
-    for (unsigned r = 0; r < rows; ++r) {
-        const int added = add_records(1);
-        if (added < 0) {
-            break;
+    const unsigned before = rows_.count();
+    try {
+        for (unsigned r = 0; r < rows; ++r) {
+            const int added = add_records(1);
+            if (added < 0) {
+                break;
+            }
+            copyShared(*this, static_cast<unsigned>(added), *other, r, shared);
         }
-        for (const SharedColumn& col : shared) {
-            const auto from = other->get_field_type(static_cast<unsigned>(col.there));
-            const auto text =
-                converted(other->get_field(r, col.there), from, get_field_type(col.here));
-            set_field(static_cast<unsigned>(added), col.here, text.c_str());
-        }
+    } catch (...) {
+        rows_.remove(before, rows_.count() - before);
+        throw;
     }
     return 1;
 }

@@ -13,11 +13,16 @@ int oledb::set_field(unsigned row, const Cookie& cookie) {
     if (!record || col < 0) {
         return 0;
     }
-    const int result = record->set_field(col, cookie.asString(false).c_str(), true);
+    const LightweightString<char> text = cookie.asString(false);
     if (cookie.valid()) {
-        noteCookie(cookie, row);
+        noteCookie(cookie, row); // first, for it may fail with nothing changed
     }
-    return result;
+    try {
+        return record->set_field(col, text.c_str(), true);
+    } catch (...) {
+        forgetCookies();
+        throw;
+    }
 }
 
 void oledb::noteCookie(const Cookie& cookie, unsigned row) {

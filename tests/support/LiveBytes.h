@@ -14,7 +14,8 @@
 
 #if defined(OLE_TEST_ADDRESS_SANITIZER)
 
-#include <sanitizer/allocator_interface.h>
+/// Declared here, for not every compiler brings the header.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 
 inline std::size_t liveBytes() {
     return __sanitizer_get_current_allocated_bytes();

@@ -6,6 +6,7 @@
 #include "ole/interchange/AleColumns.h"
 
 #include "misc/AttribValuePair.h"
+#include "misc/OS.h"
 #include "misc/paths.h"
 #include "tarn/TextFile.h"
 
@@ -16,9 +17,14 @@ namespace {
 
 using ColumnMap = std::map<LightweightString<char>, LightweightString<char>>;
 
-/// Adds what the map file holds, if there is one; true once that was tried.
+/// Adds what the map file holds, if there is one; true once that was tried. In the place of the
+/// file may stand what never ends, as a pipe or a device.
 bool readUserMap(ColumnMap& map) {
-    const TextFile file{getPrefsDirectory(iSettings::eUser) + L"ALEFieldMap.txt", true};
+    const auto path = getPrefsDirectory(iSettings::eUser) + L"ALEFieldMap.txt";
+    if (!OS().isRegularFile(path)) {
+        return true;
+    }
+    const TextFile file{path, true};
     for (unsigned i = 0; i < file.numLines(); ++i) {
         const Tarn::AttribValuePair pair{file[i], "="};
         if (pair.valid()) {

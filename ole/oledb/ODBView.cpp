@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <exception>
 #include <string>
 #include <utility>
 
@@ -93,6 +94,7 @@ void ODBViewRep::init() {
     sortKeys = nullptr;
     dbGuard.reset();
     baseGuard.reset();
+    following_ = nullptr;
     internRevision();
 }
 
@@ -307,38 +309,93 @@ int ODBViewRep::findViewIndexForBaseRow(unsigned long row) const {
 
 // -- deletions below --
 
+/// One message of deleted rows, which a view follows row by row: entries behind a row sink by one,
+/// entries for it go. Each entry that goes is told to listeners, who may change this view, so
+/// nothing of the index is kept across that. They may delete further rows, too, which the view
+/// hears of at once: it follows the earlier message to the end first, as the numbers of the later
+/// one ask for. What listeners throw is thrown on at the end.
+class ODBViewRep::Following {
+public:
+    Following(ODBViewRep& view, const NotifyMsg& msg)
+        : view_{view}, outer_{view.following_}, token_{msg} {
+        view_.following_ = this;
+    }
+    Following(const Following&) = delete;
+    Following& operator=(const Following&) = delete;
+    ~Following() { view_.following_ = outer_; }
+
+    void finish() {
+        if (outer_) {
+            outer_->finish();
+        }
+        while (token_.valid()) {
+            if (position_ < view_.held()) {
+                followAt(position_);
+            } else {
+                ++token_;
+                ++earlier_;
+                position_ = 0;
+            }
+        }
+        if (!collected_.empty()) {
+            const std::string all = std::exchange(collected_, {});
+            tell(NotifyMsg{LightweightString<char>{std::string_view{all}}}, recordsDeletedType());
+            tell(NotifyMsg{}, recordsChangedType());
+        }
+    }
+    void passOn() const {
+        if (thrown_) {
+            std::rethrow_exception(thrown_);
+        }
+    }
+
+private:
+    /// The collected numbers are not the removed positions but lie one less than the number of
+    /// earlier rows above them: views built on this one rely on hearing exactly that.
+    void followAt(int i) {
+        const long long deleted = static_cast<long long>(token_.number()) - earlier_;
+        const long long row = view_.sourceRow(i);
+        if (row == deleted) {
+            const NotifyMsg removed = view_.takeOut(i, 1);
+            collected_ += std::to_string(i + earlier_ - 1);
+            collected_ += ' ';
+            tell(removed, recordsDeletedType());
+            return;
+        }
+        if (row > deleted) {
+            --view_.index[static_cast<std::size_t>(i)].row;
+        }
+        ++position_;
+    }
+    void tell(const NotifyMsg& msg, int type) noexcept {
+        try {
+            view_.issueNotification(msg, type);
+        } catch (...) {
+            thrown_ = thrown_ ? thrown_ : std::current_exception();
+        }
+    }
+
+    ODBViewRep& view_;
+    Following* outer_;
+    NotifyMsgTokenIterator token_;
+    int earlier_ = 0; ///< rows of the message that were followed
+    int position_ = 0;
+    std::string collected_;
+    std::exception_ptr thrown_;
+};
+
 int ODBViewRep::recordsDeletedNotify(const NotifyMsg& msg) {
     const KeepAlive alive{*this};
-    std::string collected;
-    int k = 0;
-    for (NotifyMsgTokenIterator token{msg}; token.valid(); ++token, ++k) {
-        dropDeletedRow(static_cast<long long>(token.number()) - k, k, collected);
-    }
-    if (!collected.empty()) {
-        issueNotification(NotifyMsg{LightweightString<char>{std::string_view{collected}}},
-                          recordsDeletedType());
-        issueNotification(NotifyMsg{}, recordsChangedType());
-    }
+    Following following{*this, msg};
+    following.finish();
+    following.passOn();
     return 0;
 }
 
-/// One deleted row: entries behind it sink by one, entries for it go. Each removal calls listeners,
-/// which may change this view, so nothing of the index is kept across it. The collected numbers are
-/// not the removed positions but lie k - 1 above them: views built on this one rely on hearing
-/// exactly that.
-void ODBViewRep::dropDeletedRow(long long d, int k, std::string& collected) {
-    for (int i = 0; i < held();) {
-        const long long row = sourceRow(i);
-        if (row == d) {
-            remove(i, 1);
-            collected += std::to_string(i + k - 1);
-            collected += ' ';
-            continue;
-        }
-        if (row > d) {
-            --index[static_cast<std::size_t>(i)].row;
-        }
-        ++i;
+/// Before entries come that are numbered as the source is now.
+void ODBViewRep::followToTheEnd() {
+    if (following_) {
+        following_->finish();
     }
 }
 

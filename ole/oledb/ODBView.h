@@ -52,6 +52,11 @@ class TextFile;
 /// `deleteRecords`) does the same at the levels between. Where memory runs out while a view follows
 /// a deletion, fill it and the views above it again: rows that no longer exist show as null.
 ///
+/// **Listeners** are told in the middle of this. They may delete further rows, drop views, fill
+/// this one (`displayAllRecords`) and throw: the views follow all the same, and what was thrown
+/// first passes through the operation, which ends with the run of entries that it had come to. Rows
+/// that they show in a view by other operations are renumbered with those that it showed before.
+///
 /// **Tags of new entries.** Adding an entry writes its row and leaves its tag byte as the storage
 /// held it: clear in fresh storage, stale where entries were removed before. Set tags after filling
 /// a view.
@@ -334,6 +339,7 @@ private:
         std::uint8_t tag = 0;
     };
     class KeepAlive;
+    class Following;
 
     [[nodiscard]] int held() const noexcept;
     [[nodiscard]] bool isPosition(int i) const noexcept { return i >= 0 && i < held(); }
@@ -348,7 +354,8 @@ private:
     void release() noexcept;
     [[nodiscard]] std::vector<int> rowsOf(const std::vector<Cookie>& cookies) const;
     void copyTagsTo(ODBViewRep& other) const;
-    void dropDeletedRow(long long d, int k, std::string& collected);
+    void followToTheEnd();
+    NotifyMsg takeOut(int from, int n);
     void writeHeading(TextFile& file) const;
     void sortEntries();
     [[nodiscard]] bool leadsTo(const ODBViewRep* view) const noexcept;
@@ -372,6 +379,7 @@ private:
     const void* sortKeys = nullptr;  // always null: the index has no order of its own
     Tarn::Ptr<Tarn::Guard> dbGuard;
     Tarn::Ptr<Tarn::Guard> baseGuard;
+    Following* following_ = nullptr; // the last message of deleted rows that is not followed yet
 
     friend OLE_API int odbViewSortFn(const void* a, const void* b);
 };

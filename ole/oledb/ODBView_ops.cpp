@@ -236,6 +236,7 @@ void ODBViewRep::displayAllRecords() {
     const LifeSupport lifeSupport;
     if (source()) {
         remove(0, numIndex);
+        followToTheEnd();
     }
     if (ODBBase* const from = source()) {
         displayRecordsAt(0, static_cast<int>(from->get_num_records()), 0);
@@ -277,16 +278,20 @@ void ODBViewRep::remove(int from, int n) {
     if (from < 0 || from >= numIndex || n < 0) {
         return;
     }
-    const int removed = std::min(n, numIndex - from);
-    const NotifyMsg msg{rowNumbers(static_cast<unsigned>(from), static_cast<unsigned>(removed))};
-    auto storage = storageFor(numIndex - removed); // first: memory may run out
+    issueNotification(takeOut(from, std::min(n, numIndex - from)), recordsDeletedType());
+}
+
+/// Takes entries out and gives the message of it, which is to be issued.
+NotifyMsg ODBViewRep::takeOut(int from, int n) {
+    NotifyMsg msg{rowNumbers(static_cast<unsigned>(from), static_cast<unsigned>(n))};
+    auto storage = storageFor(numIndex - n); // first: memory may run out
     IndexEntry* const entries = index.get();
-    if (removed > 0 && from + removed < held()) {
-        std::copy(entries + from + removed, entries + held(), entries + from);
+    if (n > 0 && from + n < held()) {
+        std::copy(entries + from + n, entries + held(), entries + from);
     }
-    moveInto(std::move(storage), numIndex - removed);
-    numIndex -= removed;
-    issueNotification(msg, recordsDeletedType());
+    moveInto(std::move(storage), numIndex - n);
+    numIndex -= n;
+    return msg;
 }
 
 /// How many entries from `from` on show consecutive source rows. The bound deliberately compares

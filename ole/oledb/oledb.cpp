@@ -195,11 +195,12 @@ int oledb::delete_tagged_records() {
 }
 
 /// Run by run, each with its message. Listeners may change rows and tags, so both are asked for
-/// anew.
+/// anew, and may destroy the table.
 int oledb::deleteTaggedRuns() {
+    const std::weak_ptr<const void> alive = life();
     int deleted = 0;
     unsigned run = 0; // tagged rows directly before the row looked at
-    for (unsigned row = 0; row <= get_num_records(); ++row) {
+    for (unsigned row = 0; !alive.expired() && row <= get_num_records(); ++row) {
         if (get_tag(row) == 1) {
             ++run;
             continue;

@@ -6,6 +6,11 @@
 // outermost round takes the empty slots out when it ends. Otherwise the slot goes at once. Either
 // way dropping a guard costs the same however many listeners there are.
 //
+// A listener may issue the next message of its type while the round of the first has not come to
+// the listeners behind it. They are told of the first before anybody hears of the next: who keeps
+// row numbers must hear of deletions in the order in which they were made. For the same reason a
+// listener that throws keeps the message from nobody.
+//
 // The registry is shared by the notifier (which owns it), the rounds (which keep it alive when the
 // notifier dies under them) and, weakly, the guards.
 //
@@ -15,6 +20,7 @@
 #include "tarn/Notifier.h"
 
 #include <cstddef>
+#include <exception>
 #include <iterator>
 #include <list>
 #include <map>
@@ -26,10 +32,12 @@ namespace {
 /// A listener, held by its slot and by the rounds that are calling it; null once deregistered.
 using Slot = std::shared_ptr<const NotifyCallback>;
 
+class Round;
+
 struct Listeners {
     std::list<Slot> slots;
     std::size_t live = 0;
-    int rounds = 0;
+    Round* innermost = nullptr; // of the rounds that walk the list
 };
 
 } // namespace
@@ -56,7 +64,7 @@ private:
     void deregister() noexcept {
         const Slot dying = std::move(*slot_);
         --list_.live;
-        if (list_.rounds == 0) {
+        if (!list_.innermost) {
             list_.slots.erase(slot_);
         }
     }
@@ -66,20 +74,60 @@ private:
     std::list<Slot>::iterator slot_;
 };
 
-/// One walk over a list, ended by its destructor however it is left.
+/// One walk over a list that has listeners, ended by its destructor however it is left.
 class Round {
 public:
-    explicit Round(Listeners& list) noexcept : list_{list} { ++list_.rounds; }
+    Round(const Notifier::Registry& registry, Listeners& list, const NotifyMsg& msg) noexcept
+        : registry_{registry}, list_{list}, msg_{msg}, outer_{std::exchange(list.innermost, this)},
+          next_{list.slots.begin()}, last_{std::prev(list.slots.end())} {}
     Round(const Round&) = delete;
     Round& operator=(const Round&) = delete;
     ~Round() {
-        if (--list_.rounds == 0 && list_.slots.size() != list_.live) {
+        list_.innermost = outer_;
+        if (!outer_ && list_.slots.size() != list_.live) {
             list_.slots.remove(nullptr);
         }
     }
 
+    /// Tells everybody who was not told yet, the listeners of earlier messages first.
+    void deliver() noexcept {
+        if (outer_ && !outer_->told_) {
+            outer_->deliver();
+        }
+        while (!told_ && !registry_.ended) {
+            // A share of its own, because a listener may drop its own guard while it is called.
+            const Slot listener = *next_;
+            told_ = next_ == last_;
+            ++next_;
+            call(listener);
+        }
+    }
+    /// Throws what the first listener threw that threw anything.
+    void passOn() const {
+        if (thrown_) {
+            std::rethrow_exception(thrown_);
+        }
+    }
+
 private:
+    void call(const Slot& listener) noexcept {
+        try {
+            if (listener) {
+                (*listener)(msg_);
+            }
+        } catch (...) {
+            thrown_ = thrown_ ? thrown_ : std::current_exception();
+        }
+    }
+
+    const Notifier::Registry& registry_;
     Listeners& list_;
+    const NotifyMsg& msg_;
+    Round* outer_;
+    std::list<Slot>::iterator next_;
+    std::list<Slot>::iterator last_;
+    bool told_ = false; // everybody, or the last is being told
+    std::exception_ptr thrown_;
 };
 
 } // namespace
@@ -99,18 +147,9 @@ void Notifier::issueNotification(const NotifyMsg& msg, int type) {
         return;
     }
     const std::shared_ptr<Registry> registry = registry_;
-    Listeners& list = registry->lists.find(type)->second;
-    const Round round{list};
-    const auto last = std::prev(list.slots.end());
-    for (auto slot = list.slots.begin();; ++slot) {
-        // A share of its own, because a listener may drop its own guard while it is being called.
-        if (const Slot listener = *slot) {
-            (*listener)(msg);
-        }
-        if (registry->ended || slot == last) {
-            return;
-        }
-    }
+    Round round{*registry, registry->lists.find(type)->second, msg};
+    round.deliver();
+    round.passOn();
 }
 
 Tarn::Ptr<Tarn::Guard> Notifier::registerInterest(NotifyCallback listener, int type) {

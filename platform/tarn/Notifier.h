@@ -24,8 +24,11 @@ public:
 ///
 /// Listeners are called in the order of registration. During a round, a listener that registers
 /// waits for the next round; one that deregisters before its turn is not called; a listener may
-/// drop its own guard or destroy the notifier, which ends the round. Rounds nest. An exception from
-/// a listener passes through to the issuer and leaves the list whole. One thread at a time.
+/// drop its own guard or destroy the notifier, which ends the round. Rounds nest: where a listener
+/// issues a message of the same type, those who have not been told of the first one yet are told of
+/// it before anybody hears of the second, so everybody hears messages in their order. A listener
+/// that throws keeps the message from nobody; the first exception passes through to the issuer
+/// when all have been told. One thread at a time.
 class TARN_API Notifier : public NotifierBase {
 public:
     Notifier();

@@ -8,6 +8,8 @@
 #include "support/TableModel.h"
 
 #include <algorithm>
+#include <deque>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -15,7 +17,9 @@
 #include <utility>
 #include <vector>
 
-/// Calls its listeners in the order in which they came; one that comes during a round waits.
+/// Calls its listeners in the order in which they came; one that comes during a round waits. Before
+/// a message that is issued during a round of its type that round goes on to its end. All are
+/// called, and the first exception is thrown on then.
 class NotifierModel {
 public:
     using Listener = std::function<void(const std::string& type, const std::string& text)>;
@@ -28,16 +32,42 @@ public:
     }
     void issue(const std::string& type, const std::string& text) {
         std::erase_if(listeners_, [](const auto& listener) { return listener.expired(); });
-        const auto round = listeners_;
-        for (const auto& listener : round) {
-            if (const auto registered = listener.lock()) {
-                (*registered)(type, text);
+        Round own{type, text, {listeners_.begin(), listeners_.end()}, {}};
+        rounds_.push_back(&own);
+        for (std::size_t i = 0, n = rounds_.size(); i < n; ++i) {
+            if (rounds_[i]->type == type) {
+                finish(*rounds_[i]);
             }
+        }
+        rounds_.pop_back();
+        if (own.thrown) {
+            std::rethrow_exception(own.thrown);
         }
     }
 
 private:
+    struct Round {
+        std::string type;
+        std::string text;
+        std::deque<std::weak_ptr<const Listener>> waiting;
+        std::exception_ptr thrown;
+    };
+    static void finish(Round& round) {
+        while (!round.waiting.empty()) {
+            const auto registered = round.waiting.front().lock();
+            round.waiting.pop_front();
+            try {
+                if (registered) {
+                    (*registered)(round.type, round.text);
+                }
+            } catch (...) {
+                round.thrown = round.thrown ? round.thrown : std::current_exception();
+            }
+        }
+    }
+
     std::vector<std::weak_ptr<const Listener>> listeners_;
+    std::vector<Round*> rounds_;
 };
 
 /// What a view stands on.

@@ -226,6 +226,7 @@ public:
     }
     void displayAllRecords() {
         remove(0, count_);
+        finishWalks();
         displayRecordsAt(0, static_cast<int>(source().get_num_records()), 0);
     }
     int displayAllFromAt(ViewModel* other, int where) {
@@ -451,25 +452,59 @@ private:
             }
         });
     }
-    void recordsDeleted(const std::string& text) {
-        std::istringstream tokens{text};
+    /// A message of deleted rows, as far as the view has followed it.
+    struct Walk {
+        std::deque<int> rows;
+        int k = 0;
+        int i = 0;
         std::string collected;
-        int number = 0;
-        for (int k = 0; tokens >> number; ++k) {
-            const int d = number - k;
-            for (int i = 0; isPosition(i);) {
-                if (sourceRow(i) == d) {
-                    remove(i, 1);
-                    collected += std::to_string(i + k - 1) + " ";
-                    continue;
-                }
+        std::exception_ptr thrown;
+    };
+    void recordsDeleted(const std::string& text) {
+        Walk own;
+        std::istringstream tokens{text};
+        for (int number = 0; tokens >> number;) {
+            own.rows.push_back(number);
+        }
+        walks_.push_back(&own);
+        finishWalks();
+        walks_.pop_back();
+        if (own.thrown) {
+            std::rethrow_exception(own.thrown);
+        }
+    }
+    /// The earlier ones first.
+    void finishWalks() {
+        for (std::size_t i = 0, n = walks_.size(); i < n; ++i) {
+            finish(*walks_[i]);
+        }
+    }
+    void finish(Walk& walk) {
+        const auto caught = [&walk](auto step) {
+            try {
+                step();
+            } catch (...) {
+                walk.thrown = walk.thrown ? walk.thrown : std::current_exception();
+            }
+        };
+        while (!walk.rows.empty()) {
+            const int i = walk.i;
+            const int d = walk.rows.front() - walk.k;
+            if (!isPosition(i)) {
+                walk.rows.pop_front();
+                ++walk.k;
+                walk.i = 0;
+            } else if (sourceRow(i) == d) {
+                walk.collected += std::to_string(i + walk.k - 1) + " ";
+                caught([&] { remove(i, 1); });
+            } else {
                 at(i).row -= sourceRow(i) > d ? 1 : 0;
-                ++i;
+                ++walk.i;
             }
         }
-        if (!collected.empty()) {
-            notifier.issue("recordsDeleted", collected);
-            notifier.issue("recordsChanged", "");
+        if (const std::string all = std::exchange(walk.collected, {}); !all.empty()) {
+            caught([&] { notifier.issue("recordsDeleted", all); });
+            caught([&] { notifier.issue("recordsChanged", ""); });
         }
     }
 
@@ -477,6 +512,7 @@ private:
     std::shared_ptr<ViewModel> base_;
     std::vector<Entry> entries_;
     int count_ = 0;
+    std::vector<Walk*> walks_;
     NotifierModel::Registration fromTable_;
     NotifierModel::Registration fromBase_;
 };

@@ -35,8 +35,8 @@ TEST(UpdateBatch, AListenerMayBeginTheNextBatch) {
     const std::string nine = changed({cookieText(9)});
     const std::string one = changed({cookieText(1)});
     const std::string two = changed({cookieText(2)});
-    EXPECT_EQ(notices.taken(), "first " + nine + " first " + one + " first " + two + " second " +
-                                   two + " second " + one + " second " + nine);
+    EXPECT_EQ(notices.taken(), "first " + nine + " second " + nine + " first " + one + " second " +
+                                   one + " first " + two + " second " + two);
 }
 
 TEST(UpdateBatch, ABatchLeftOpenByAListenerGoesOn) {

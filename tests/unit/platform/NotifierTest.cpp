@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <deque>
+#include <exception>
 #include <malloc.h>
 #include <memory>
 #include <random>
@@ -107,7 +109,8 @@ TEST(Notifier, DeliversTheMessageItself) {
 }
 
 /// A round calls those who are registered when it begins and still are when their turn comes, until
-/// the notifier is gone.
+/// the notifier is gone. A round within it of the same type waits until that has called all; what
+/// one of them throws waits, too.
 class ModelNotifier {
 public:
     struct Entry {
@@ -117,7 +120,7 @@ public:
     };
     using Handle = std::shared_ptr<Entry>;
 
-    ~ModelNotifier() { *alive_ = false; }
+    ~ModelNotifier() { state_->alive = false; }
     Handle registerInterest(NotifyCallback listener, int type) {
         entries_.push_back(std::make_shared<Entry>(Entry{std::move(listener), type}));
         return entries_.back();
@@ -134,18 +137,47 @@ public:
         });
     }
     void issueNotification(const NotifyMsg& msg, int type) {
-        const std::shared_ptr<bool> alive = alive_;
-        const std::vector<Handle> round = entries_;
-        for (const Handle& entry : round) {
-            if (*alive && entry->registered && entry->type == type) {
-                entry->listener(msg);
+        const std::shared_ptr<State> state = state_;
+        Round own{msg, type, {entries_.begin(), entries_.end()}, {}};
+        state->rounds.push_back(&own);
+        for (std::size_t i = 0, n = state->rounds.size(); i < n; ++i) {
+            if (state->rounds[i]->type == type) {
+                finish(*state->rounds[i], *state);
             }
+        }
+        state->rounds.pop_back();
+        if (own.thrown) {
+            std::rethrow_exception(own.thrown);
         }
     }
 
 private:
+    struct Round {
+        const NotifyMsg& msg;
+        int type;
+        std::deque<Handle> waiting;
+        std::exception_ptr thrown;
+    };
+    struct State {
+        bool alive = true;
+        std::vector<Round*> rounds;
+    };
+    static void finish(Round& round, const State& state) {
+        while (state.alive && !round.waiting.empty()) {
+            const Handle entry = round.waiting.front();
+            round.waiting.pop_front();
+            try {
+                if (entry->registered && entry->type == round.type) {
+                    entry->listener(round.msg);
+                }
+            } catch (...) {
+                round.thrown = round.thrown ? round.thrown : std::current_exception();
+            }
+        }
+    }
+
     std::vector<Handle> entries_;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
 class RealNotifier : public Notifier {

@@ -60,7 +60,7 @@ protected:
     }
     /// Every way in the long form; of kinds that differ only in telling, else the plain failures.
     unsigned tryWays(Call call, unsigned nth, bool exists) {
-        const auto same = [this](const FileKind& kind) { return kind.save == GetParam().save; };
+        const auto same = [](const FileKind& kind) { return kind.save == GetParam().save; };
         const bool whole =
             longTests() || std::any_of(std::begin(mainKinds), std::end(mainKinds), same);
         const std::vector<How> ways = whole ? waysOf(call) : std::vector<How>{How::Fails};

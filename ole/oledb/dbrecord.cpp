@@ -74,15 +74,14 @@ const LightweightString<char>& sharedEmptyString() {
 
 } // namespace
 
-dbrecord::dbrecord(unsigned short n) : values_(n), size_{n}, nfields_{n} {}
+dbrecord::dbrecord(unsigned short n) : values_{n}, size_{n}, nfields_{n} {}
 
 dbrecord::dbrecord(unsigned short n, DBFieldTypes::eType* types)
-    : values_(n), types_{types ? types : def_types}, size_{n}, nfields_{n} {}
+    : values_{n}, types_{types ? types : def_types}, size_{n}, nfields_{n} {}
 
 dbrecord::dbrecord(const dbrecord& src, unsigned short n)
-    : values_(src.values_), types_{src.types_}, size_{n != 0 ? n : src.size_}, nfields_{size_} {
-    values_.resize(size_);
-}
+    : values_{src.values_, n != 0 ? n : src.size_}, types_{src.types_},
+      size_{n != 0 ? n : src.size_}, nfields_{size_} {}
 
 // A record assigned to itself loses its leading blanks too.
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp)
@@ -152,7 +151,8 @@ void dbrecord::resizeRecord(int n, int* widths, bool) {
     if (n < 0 || n > 0xFFFF || !widths) {
         return;
     }
-    values_.resize(static_cast<std::size_t>(n));
+    ValueSlots resized{values_, static_cast<std::size_t>(n)};
+    values_.swap(resized);
     size_ = static_cast<unsigned short>(n);
     nfields_ = size_;
 }
@@ -188,10 +188,14 @@ int dbrecord::in_field(int i, char* dst, int len) const {
 int dbrecord::is_blank() const {
     const auto used = std::min<std::size_t>(nfields_, values_.size());
     const auto holdsText = [](const LightweightString<char>& value) { return !value.empty(); };
-    return std::none_of(values_.begin(), values_.begin() + static_cast<std::ptrdiff_t>(used),
-                        holdsText)
-               ? 1
-               : 0;
+    return std::none_of(values_.begin(), values_.begin() + used, holdsText) ? 1 : 0;
+}
+
+void dbrecord::widen(std::vector<unsigned>& widths) const {
+    const std::size_t used = std::min({widths.size(), values_.size(), std::size_t{nfields_}});
+    for (std::size_t i = 0; i < used; ++i) {
+        widths[i] = std::max(widths[i], static_cast<unsigned>(values_[i].size()));
+    }
 }
 
 unsigned dbrecord::get_space_used() const {

@@ -2,6 +2,7 @@
 
 #include "ole/ole.h"
 #include "ole/oledb/DBFieldTypes.h"
+#include "ole/oledb/ValueSlots.h"
 #include "tarn/LightweightString.h"
 
 #include <concepts>
@@ -14,6 +15,10 @@ class TextFile;
 class StringList;
 class configb;
 class oledb;
+class RecentValues;
+namespace Tarn {
+class LineBuffer;
+}
 
 /// One row: an array of text values, one a column.
 ///
@@ -46,6 +51,12 @@ public:
     /// old text, and container, types, size and tag stay.
     dbrecord& operator=(const dbrecord& src);
     ~dbrecord();
+
+    /// Records on the heap stand close together, in memory of their own.
+    static void* operator new(std::size_t bytes) { return Tarn::BlockMemory::allocate(bytes); }
+    static void operator delete(void* record, std::size_t bytes) noexcept {
+        Tarn::BlockMemory::release(record, bytes);
+    }
 
     /// Stores a text in slot i and returns 1; 0 when i is negative or not below `size`. Null stores
     /// as "". With `skipBlanks`, leading ASCII white space is dropped. A text that comes out empty
@@ -128,11 +139,17 @@ private:
 
     void storeText(std::size_t slot, std::string_view text);
     void noteChanged(int slot);
+    /// `read` for one of many rows, which share their equal values.
+    int read(TextFile& file, RecentValues& recent);
+    template <class StringOf>
+    int readLine(TextFile& file, StringOf stringOf);
+    /// Raises each column's width to that of its value here.
+    void widen(std::vector<unsigned>& widths) const;
     /// `write` with a line buffer that a caller reuses over many rows.
-    int writeLine(TextFile& file, std::string& line) const;
+    int writeLine(TextFile& file, Tarn::LineBuffer& line) const;
 
     oledb* container_ = nullptr;
-    std::vector<LightweightString<char>> values_;
+    ValueSlots values_;
     DBFieldTypes::eType* types_ = def_types;
     unsigned short size_ = 0;
     unsigned short nfields_ = 0;

@@ -8,15 +8,19 @@
 
 #include "ole/oledb/dbrecord.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/RecentValues.h"
 #include "ole/oledb/rowText.h"
 
 #include "misc/diagnostics.h"
 #include "tarn/Ascii.h"
+#include "tarn/byteWords.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
 #include "tarn/trimmed.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -25,8 +29,19 @@ namespace {
 constexpr std::size_t longestLine = 4095;
 constexpr std::size_t longestValue = 4096;
 
-bool holdsBackslash(std::string_view text) {
-    return text.find('\\') != std::string_view::npos;
+/// Where the first quote or backslash stands at or behind `at`; the text's length where none does.
+std::size_t findQuoteOrBackslash(std::string_view text, std::size_t at) {
+    while (at + 8 <= text.size()) {
+        const std::uint64_t word = Tarn::eightBytes(text.data() + at);
+        if ((Tarn::hasByte(word, '"') | Tarn::hasByte(word, '\\')) != 0) {
+            break;
+        }
+        at += 8;
+    }
+    while (at < text.size() && text[at] != '"' && text[at] != '\\') {
+        ++at;
+    }
+    return at;
 }
 
 /// Cuts a line into its fields.
@@ -63,16 +78,12 @@ private:
         if (rest_.front() != '"') {
             return false;
         }
-        const std::size_t close = rest_.find('"', 1);
-        if (close == std::string_view::npos ||
+        const std::size_t close = findQuoteOrBackslash(rest_, 1);
+        if (close == rest_.size() || rest_[close] != '"' ||
             (close + 1 < rest_.size() && rest_[close + 1] != ',')) {
             return false;
         }
-        const std::string_view text = rest_.substr(1, close - 1);
-        if (holdsBackslash(text)) {
-            return false;
-        }
-        field = Tarn::trimmed(text);
+        field = Tarn::trimmed(rest_.substr(1, close - 1));
         rest_.remove_prefix(close + 1);
         passComma();
         return true;
@@ -129,32 +140,96 @@ std::string_view valueToStore(std::string_view text) {
     return text.substr(0, longestValue);
 }
 
-} // namespace
+// -- writing --
 
-void appendQuotedValue(std::string& line, std::string_view text) {
-    line += '"';
-    while (!text.empty()) {
-        const std::size_t plain = std::min(text.find_first_of("\"\n\r"), text.size());
-        line.append(text, 0, plain);
-        if (plain == text.size()) {
-            break;
-        }
-        switch (text[plain]) {
+std::uint64_t holdsEscaped(std::uint64_t word) {
+    return Tarn::hasByte(word, '"') | Tarn::hasByte(word, '\n') | Tarn::hasByte(word, '\r');
+}
+
+bool isEscaped(char c) {
+    return c == '"' || c == '\n' || c == '\r';
+}
+
+/// Copies a text of fewer than eight bytes as `copyPlain` does.
+bool copyFew(char* to, std::string_view text) {
+    if (text.size() < 4) {
+        std::copy(text.begin(), text.end(), to);
+        return std::none_of(text.begin(), text.end(), isEscaped);
+    }
+    const std::size_t last = text.size() - 4;
+    const std::uint32_t front = Tarn::fourBytes(text.data());
+    const std::uint32_t back = Tarn::fourBytes(text.data() + last);
+    std::memcpy(to, &front, sizeof(front));
+    std::memcpy(to + last, &back, sizeof(back));
+    return holdsEscaped(std::uint64_t{front} << 32 | back) == 0;
+}
+
+/// Copies a text that holds nothing to escape; false, with any bytes written, where it does.
+bool copyPlain(char* to, std::string_view text) {
+    if (text.size() < 8) {
+        return copyFew(to, text);
+    }
+    std::uint64_t escaped = 0;
+    const std::size_t last = text.size() - 8;
+    for (std::size_t i = 0; i < last; i += 8) {
+        const std::uint64_t word = Tarn::eightBytes(text.data() + i);
+        std::memcpy(to + i, &word, sizeof(word));
+        escaped |= holdsEscaped(word);
+    }
+    const std::uint64_t word = Tarn::eightBytes(text.data() + last);
+    std::memcpy(to + last, &word, sizeof(word));
+    return (escaped | holdsEscaped(word)) == 0;
+}
+
+/// Writes a text escaped, at most twice its length; returns the end.
+char* copyEscaped(char* to, std::string_view text) {
+    for (const char c : text) {
+        switch (c) {
         case '"':
-            line += "\"\"";
+            *to++ = '"';
+            *to++ = '"';
             break;
         case '\n':
-            line += "\\n";
+            *to++ = '\\';
+            *to++ = 'n';
             break;
-        default: // a carriage return is dropped
+        case '\r':
             break;
+        default:
+            *to++ = c;
         }
-        text.remove_prefix(plain + 1);
     }
-    line += '"';
+    return to;
+}
+
+} // namespace
+
+void appendQuotedValue(Tarn::LineBuffer& line, std::string_view text) {
+    char* to = line.roomFor(2 * text.size() + 2);
+    *to++ = '"';
+    if (!copyPlain(to, text)) {
+        to = copyEscaped(to, text);
+    } else {
+        to += text.size();
+    }
+    *to++ = '"';
+    line.takeUpTo(to);
 }
 
 int dbrecord::read(TextFile& file) {
+    return readLine(
+        file, [](std::size_t, std::string_view text) { return LightweightString<char>{text}; });
+}
+
+int dbrecord::read(TextFile& file, RecentValues& recent) {
+    return readLine(file, [&recent](std::size_t slot, std::string_view text) {
+        return recent.stringOf(slot, text);
+    });
+}
+
+/// Reads a line; `stringOf` makes the string of a slot's text.
+template <class StringOf>
+int dbrecord::readLine(TextFile& file, StringOf stringOf) {
     const std::string_view line = lineToParse(file);
     if (line.empty()) {
         return 0;
@@ -164,7 +239,7 @@ int dbrecord::read(TextFile& file) {
     while (!fields.atEnd() && found < size_) {
         const std::string_view text = fields.next();
         if (!text.empty()) {
-            values_[found] = LightweightString<char>{valueToStore(text)};
+            values_[found] = stringOf(found, valueToStore(text));
         }
         ++found;
     }
@@ -177,19 +252,19 @@ int dbrecord::read(TextFile& file) {
 }
 
 int dbrecord::write(TextFile& file) const {
-    std::string line;
+    Tarn::LineBuffer line;
     return writeLine(file, line);
 }
 
-int dbrecord::writeLine(TextFile& file, std::string& line) const {
+int dbrecord::writeLine(TextFile& file, Tarn::LineBuffer& line) const {
     line.clear();
     for (unsigned short i = 0; i < nfields_; ++i) {
         if (i != 0) {
-            line += ',';
+            line.append(',');
         }
         appendQuotedValue(line, getField(i).view());
     }
-    file.appendLine(line);
+    file.appendLine(line.view());
     changed_ = 0;
     return 1;
 }

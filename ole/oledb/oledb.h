@@ -407,6 +407,7 @@ private:
     bool readHeader(TextFile& file, dbrecord& scratch, int fieldsFound, bool requireHeader);
     void takeFieldCount(int found);
     bool readColumns(TextFile& file, dbrecord& scratch);
+    [[nodiscard]] std::vector<unsigned> widestValues();
     void takeHeaderlessColumns(const dbrecord& scratch, int fieldsFound);
     void nameColumns(const dbrecord& scratch);
     bool replaceHeadingLines(TextFile& file, dbrecord& row, bool leaveOutFirst);

@@ -10,6 +10,7 @@
 
 #include "misc/diagnostics.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/RecentValues.h"
 #include "ole/oledb/rowText.h"
 #include "tarn/numbers.h"
 #include "tarn/TextFile.h"
@@ -18,6 +19,8 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <typeinfo>
+#include <vector>
 
 namespace {
 
@@ -38,10 +41,17 @@ std::string_view firstField(const dbrecord& row) {
     return row.getField(0).view();
 }
 
-void appendQuotedRaw(std::string& line, std::string_view text) {
-    line += line.empty() ? "\"" : ",\"";
-    line += text;
-    line += '"';
+void appendSeparator(Tarn::LineBuffer& line) {
+    if (!line.view().empty()) {
+        line.append(',');
+    }
+}
+
+void appendQuotedRaw(Tarn::LineBuffer& line, std::string_view text) {
+    appendSeparator(line);
+    line.append('"');
+    line.append(text);
+    line.append('"');
 }
 
 bool namesATime(const LightweightString<char>& name) {
@@ -105,25 +115,42 @@ int oledb::save_params(TextFile& file) const {
 
 // -- header --
 
+/// Each column's longest value. One pass over the rows: column by column would fetch every row
+/// anew.
+std::vector<unsigned> oledb::widestValues() {
+    std::vector<unsigned> widths(numFields_);
+    if (typeid(*this) != typeid(oledb)) { // a host's own table may have its own widths
+        for (unsigned col = 0; col < numFields_; ++col) {
+            widths[col] = get_fieldsize(col);
+        }
+        return widths;
+    }
+    for (unsigned row = 0; row < rows_.count(); ++row) {
+        rows_.at(row)->widen(widths);
+    }
+    return widths;
+}
+
 int oledb::save_column_header(TextFile& file, bool namesOnly) {
-    std::string widths;
-    std::string types;
-    std::string names;
+    Tarn::LineBuffer widths;
+    Tarn::LineBuffer types;
+    Tarn::LineBuffer names;
+    const std::vector<unsigned> widest = namesOnly ? std::vector<unsigned>{} : widestValues();
     for (unsigned i = 0; i < numFields_; ++i) {
         appendQuotedRaw(names, fieldNames_[i].view());
         if (!namesOnly) {
-            const unsigned width = std::max(get_fieldsize(i), getMinFieldSize(get_fieldname(i)));
+            const unsigned width = std::max(widest[i], getMinFieldSize(get_fieldname(i)));
             appendQuotedRaw(widths, std::to_string(width));
-            types += types.empty() ? "" : ",";
+            appendSeparator(types);
             appendQuotedValue(types, oledb_fieldtype_to_string(fieldTypes_[i]).view());
         }
     }
     if (!namesOnly) {
         file.appendLine(std::string_view{"\"OLEDB\""});
-        file.appendLine(widths);
-        file.appendLine(types);
+        file.appendLine(widths.view());
+        file.appendLine(types.view());
     }
-    file.appendLine(names);
+    file.appendLine(names.view());
     return 1;
 }
 
@@ -238,9 +265,10 @@ int oledb::add_text(TextFile& file, int skipFirst, int maxRows) {
         return 0;
     }
     int appended = 0;
+    RecentValues recent{numFields_};
     while (appended < maxRows) {
         auto row = newRow();
-        if (row->read(file) == 0 || !rowFillsFields(*row, appended) ||
+        if (row->read(file, recent) == 0 || !rowFillsFields(*row, appended) ||
             !replaceHeadingLines(file, *row, skipFirst != 0 && appended == 0)) {
             break;
         }
@@ -276,7 +304,7 @@ bool oledb::saveRows(bool namesOnly, bool taggedOnly) {
     file.stream(filename_, lineEnds);
     save_params(file);
     save_column_header(file, namesOnly);
-    std::string line;
+    Tarn::LineBuffer line;
     for (unsigned i = 0; i < rows_.count(); ++i) {
         const dbrecord* const row = rows_.at(i);
         if (!taggedOnly || row->tag_ != 0) {

@@ -1,4 +1,4 @@
-// Storage of the counted strings: blocks are cut one after the other from chunks of 64 KiB.
+// Storage of the counted strings: blocks are cut one after the other from chunks (ChunkMemory).
 //
 // A chunk stands at a multiple of its size, so a block finds its chunk by masking its address.
 // While a thread cuts from a chunk, the chunk's count holds a large lead, so blocks that die
@@ -8,6 +8,9 @@
 
 #include "tarn/StringMemory.h"
 
+#include "tarn/ChunkMemory.h"
+#include "tarn/sanitizer.h"
+
 #include <atomic>
 #include <cstdint>
 #include <new>
@@ -15,21 +18,7 @@
 namespace Tarn::StringMemory {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool chunked = false; // every block on its own, so that a stale pointer is seen
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr bool chunked = false;
-#else
-constexpr bool chunked = true;
-#endif
-#else
-constexpr bool chunked = true;
-#endif
-
-constexpr std::size_t chunkAlignment = std::size_t{64} * 1024;
-// Two words less than the alignment: the allocator's own header then fits before the next chunk.
-constexpr std::size_t chunkBytes = chunkAlignment - 2 * sizeof(void*);
+using ChunkMemory::chunkBytes;
 constexpr std::size_t longestInChunk = 4096;
 constexpr int lead = 1 << 24;
 
@@ -37,7 +26,6 @@ struct Chunk {
     int live;
     int given;
     std::size_t used;
-    std::size_t bytes;
 };
 
 std::atomic<std::size_t> held{0};
@@ -57,21 +45,20 @@ void giveToSystem(void* memory, std::size_t bytes) noexcept {
     ::operator delete(memory);
 }
 
-void open(Chunk* chunk, std::size_t bytes) noexcept {
-    *chunk = Chunk{lead, 0, sizeof(Chunk), bytes};
+void open(Chunk* chunk) noexcept {
+    ::new (chunk) Chunk{lead, 0, sizeof(Chunk)};
 }
 
-Chunk* newChunk(std::size_t bytes) {
-    auto* const chunk =
-        static_cast<Chunk*>(::operator new (bytes, std::align_val_t{chunkAlignment}));
-    held.fetch_add(bytes, std::memory_order_relaxed);
-    open(chunk, bytes);
+Chunk* newChunk() {
+    auto* const chunk = static_cast<Chunk*>(ChunkMemory::take());
+    held.fetch_add(chunkBytes, std::memory_order_relaxed);
+    open(chunk);
     return chunk;
 }
 
 void deleteChunk(Chunk* chunk) noexcept {
-    held.fetch_sub(chunk->bytes, std::memory_order_relaxed);
-    ::operator delete (chunk, std::align_val_t{chunkAlignment});
+    held.fetch_sub(chunkBytes, std::memory_order_relaxed);
+    ChunkMemory::give(chunk);
 }
 
 /// Takes n from the chunk's count; true when nothing is left in it.
@@ -125,7 +112,7 @@ void followThreadEnd() {
 
 /// A chunk for one block alone, for strings that are made while the thread's own objects die.
 void* cutAlone(std::size_t bytes) {
-    Chunk* const chunk = newChunk(sizeof(Chunk) + bytes);
+    Chunk* const chunk = newChunk();
     void* const block = cut(chunk, bytes);
     leave(chunk);
     return block;
@@ -136,10 +123,10 @@ void* cutFromNext(std::size_t bytes) {
         return cutAlone(bytes);
     }
     if (current && allBlocksDied(current)) {
-        open(current, chunkBytes);
+        open(current);
         return cut(current, bytes);
     }
-    Chunk* const next = newChunk(chunkBytes);
+    Chunk* const next = newChunk();
     if (current) {
         leave(current);
     } else {
@@ -163,19 +150,19 @@ bool isLastCut(Chunk* chunk, const void* block, std::size_t bytes) noexcept {
 
 Chunk* chunkOf(void* block) noexcept {
     return reinterpret_cast<Chunk*>(reinterpret_cast<std::uintptr_t>(block) &
-                                    ~(chunkAlignment - 1));
+                                    ~(ChunkMemory::alignment - 1));
 }
 
 } // namespace
 
 void* allocate(std::size_t bytes) {
     const std::size_t size = rounded(bytes);
-    return chunked && size <= longestInChunk ? cutFromCurrent(size) : takeFromSystem(size);
+    return blocksAreCut && size <= longestInChunk ? cutFromCurrent(size) : takeFromSystem(size);
 }
 
 void release(void* block, std::size_t bytes) noexcept {
     const std::size_t size = rounded(bytes);
-    if (!chunked || size > longestInChunk) {
+    if (!blocksAreCut || size > longestInChunk) {
         giveToSystem(block, size);
         return;
     }

@@ -2,11 +2,10 @@
 // by running over what the two texts have in common.
 
 #include "tarn/Ascii.h"
+#include "tarn/byteWords.h"
 #include "tarn/StringFunctions.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
 
 namespace {
 
@@ -23,17 +22,11 @@ unsigned char folded(char c) noexcept {
     return static_cast<unsigned char>(Tarn::toLower(c));
 }
 
-std::uint64_t eightBytes(const char* text) noexcept {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, text, sizeof(bytes));
-    return bytes;
-}
-
 /// How many characters from the start on are the same ignoring case.
 std::size_t commonLength(std::string_view a, std::string_view b) noexcept {
     const std::size_t end = std::min(a.size(), b.size());
     std::size_t i = 0;
-    while (i + 8 <= end && eightBytes(a.data() + i) == eightBytes(b.data() + i)) {
+    while (i + 8 <= end && Tarn::eightBytes(a.data() + i) == Tarn::eightBytes(b.data() + i)) {
         i += 8;
     }
     while (i < end && (a[i] == b[i] || folded(a[i]) == folded(b[i]))) {

@@ -79,7 +79,8 @@ TextFile& TextFile::operator=(TextFile&& other) noexcept {
 }
 
 void TextFile::swap(TextFile& other) noexcept {
-    buffer_.swap(other.buffer_);
+    loaded_.swap(other.loaded_);
+    appended_.swap(other.appended_);
     starts_.swap(other.starts_);
     std::swap(loadedLines_, other.loadedLines_);
     std::swap(terminator_, other.terminator_);
@@ -89,7 +90,8 @@ void TextFile::swap(TextFile& other) noexcept {
 }
 
 void TextFile::clear() noexcept {
-    std::string{}.swap(buffer_);
+    loaded_ = {};
+    std::string{}.swap(appended_);
     std::vector<std::size_t>{}.swap(starts_);
     loadedLines_ = 0;
     current_ = 0;
@@ -99,11 +101,9 @@ bool TextFile::load(const LightweightString<wchar_t>& path, char terminator, boo
     output_.reset();
     clear();
     path_ = path;
-    std::string contents;
-    if (!Tarn::readWhole(pathToBytes(path).c_str(), contents)) {
+    if (!loaded_.read(pathToBytes(path).c_str())) {
         return false;
     }
-    buffer_ = std::move(contents);
     cutLines(terminator);
     return true;
 }
@@ -117,13 +117,14 @@ void TextFile::startLine(std::size_t start) {
 
 void TextFile::cutLines(char terminator) {
     terminator_ = terminator;
+    const std::string_view text = loaded_.view();
     std::size_t start = 0;
-    while (start < buffer_.size()) {
+    while (start < text.size()) {
         startLine(start);
-        const std::size_t end = buffer_.find(terminator, start);
-        start = end == std::string::npos ? buffer_.size() : end + 1;
+        ++loadedLines_; // at once: memory may run out for the next
+        const std::size_t end = text.find(terminator, start);
+        start = end == std::string_view::npos ? text.size() : end + 1;
     }
-    loadedLines_ = starts_.size();
 }
 
 LightweightString<char> TextFile::operator[](unsigned i) const {
@@ -135,9 +136,12 @@ std::string_view TextFile::lineView(unsigned i) const noexcept {
     if (n >= starts_.size()) {
         return {};
     }
-    const std::size_t end = n + 1 < starts_.size() ? starts_[n + 1] : buffer_.size();
-    const std::string_view line{buffer_.data() + starts_[n], end - starts_[n]};
-    return n < loadedLines_ ? loadedLine(line) : line;
+    const bool isLoaded = n < loadedLines_;
+    const std::string_view store = isLoaded ? loaded_.view() : std::string_view{appended_};
+    const bool isLast = n + 1 == (isLoaded ? loadedLines_ : starts_.size());
+    const std::size_t end = isLast ? store.size() : starts_[n + 1];
+    const std::string_view line = store.substr(starts_[n], end - starts_[n]);
+    return isLoaded ? loadedLine(line) : line;
 }
 
 std::string_view TextFile::loadedLine(std::string_view withEnd) const noexcept {
@@ -163,9 +167,9 @@ void TextFile::appendLine(std::string_view text) {
         output_->append(text);
         return;
     }
-    startLine(buffer_.size());
+    startLine(appended_.size());
     try {
-        buffer_.append(text);
+        appended_.append(text);
     } catch (...) {
         starts_.pop_back();
         throw;

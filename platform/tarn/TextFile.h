@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tarn/export.h"
+#include "tarn/FileContents.h"
 #include "tarn/LightweightString.h"
 
 #include <memory>
@@ -103,8 +104,10 @@ private:
     pathOrBound(const LightweightString<wchar_t>& path) const noexcept;
     void writeLines(Output& output) const;
 
-    // The loaded lines stand in the buffer with their ends, the appended ones after them without.
-    std::string buffer_;
+    // The loaded lines come first and hold their ends, the appended ones do not. A start is counted
+    // from the beginning of its own store.
+    Tarn::FileContents loaded_;
+    std::string appended_;
     std::vector<std::size_t> starts_;
     std::size_t loadedLines_ = 0;
     char terminator_ = '\n';

@@ -3,18 +3,14 @@
 
 #include "tarn/systemFile.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
 namespace Tarn {
 namespace {
-
-constexpr std::size_t firstPiece = std::size_t{64} * 1024;
 
 /// Repeats a call that a signal interrupted.
 template <class Call>
@@ -25,22 +21,6 @@ auto uninterrupted(Call call) noexcept {
             return result;
         }
     }
-}
-
-/// Room for the whole file and one byte more, so that the end shows without growing.
-std::size_t expectedSize(int file) noexcept {
-    struct stat status {};
-    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0) {
-        return firstPiece;
-    }
-    return static_cast<std::size_t>(status.st_size) + 1;
-}
-
-void resize(std::string& text, std::size_t size) {
-    if (size > text.max_size()) {
-        throw std::bad_alloc{};
-    }
-    text.resize(size);
 }
 
 } // namespace
@@ -68,26 +48,8 @@ FileDescriptor openFile(const char* path, int flags, mode_t mode) noexcept {
         uninterrupted([=]() noexcept { return ::open(path, flags | O_CLOEXEC | O_NOCTTY, mode); })};
 }
 
-bool readWhole(const char* path, std::string& contents) {
-    const FileDescriptor file = openFile(path, O_RDONLY);
-    if (!file.isOpen()) {
-        return false;
-    }
-    resize(contents, expectedSize(file.get()));
-    std::size_t used = 0;
-    for (;;) {
-        const ssize_t got = uninterrupted([&]() noexcept {
-            return ::read(file.get(), contents.data() + used, contents.size() - used);
-        });
-        if (got <= 0) {
-            contents.resize(used);
-            return got == 0;
-        }
-        used += static_cast<std::size_t>(got);
-        if (used == contents.size()) {
-            resize(contents, 2 * used);
-        }
-    }
+ssize_t readSome(int file, char* to, std::size_t size) noexcept {
+    return uninterrupted([=]() noexcept { return ::read(file, to, size); });
 }
 
 bool writeWhole(int file, std::string_view bytes) noexcept {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <cstddef>
 #include <string_view>
 #include <sys/types.h>
 
@@ -32,9 +32,8 @@ private:
 /// Opens a file; see `open` of the system for the flags, the mode and the reason of a failure.
 FileDescriptor openFile(const char* path, int flags, mode_t mode = 0) noexcept;
 
-/// Reads everything up to the end of a file, pipe or device; false when it cannot be opened or
-/// read. One allocation for a regular file.
-bool readWhole(const char* path, std::string& contents);
+/// Reads at most `size` bytes; 0 at the end, negative when the file cannot be read.
+ssize_t readSome(int file, char* to, std::size_t size) noexcept;
 
 bool writeWhole(int file, std::string_view bytes) noexcept;
 

@@ -39,6 +39,8 @@ struct Setting {
     DBFieldTypes::eType type;
     int offset;
     int force;
+
+    friend void PrintTo(const Setting& setting, std::ostream* out) { *out << setting.what; }
 };
 
 const Setting settings[] = {

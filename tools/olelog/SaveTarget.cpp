@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace {
@@ -72,6 +73,31 @@ void flushFolder(const std::string& folder) {
     }
 }
 
+/// Keeps other runs of the tool from replacing a file between a look at it and its replacement.
+/// Where there is no such file, or its system has no locks, nothing is kept.
+class ReplaceLock {
+public:
+    explicit ReplaceLock(const std::string& path)
+        : file_{open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)} {
+        while (file_ >= 0 && flock(file_, LOCK_EX) != 0 && errno == EINTR) {
+        }
+    }
+    ~ReplaceLock() {
+        if (file_ >= 0) {
+            close(file_);
+        }
+    }
+    ReplaceLock(const ReplaceLock&) = delete;
+    ReplaceLock& operator=(const ReplaceLock&) = delete;
+
+private:
+    int file_;
+};
+
+bool isSame(const timespec& a, const timespec& b) {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
 } // namespace
 
 SaveTarget::SaveTarget(const std::string& name)
@@ -106,6 +132,20 @@ int SaveTarget::take(TemporaryFile& written) const {
     if (isStream()) {
         return copyFile(written.path(), path_);
     }
+    const ReplaceLock lock{path_};
+    return isAsItWas() ? replaceBy(written) : changedMeanwhile;
+}
+
+bool SaveTarget::isAsItWas() const {
+    struct stat now {};
+    if (stat(path_.c_str(), &now) != 0) {
+        return !exists_;
+    }
+    return exists_ && now.st_dev == status_.st_dev && now.st_ino == status_.st_ino &&
+           now.st_size == status_.st_size && isSame(now.st_mtim, status_.st_mtim);
+}
+
+int SaveTarget::replaceBy(TemporaryFile& written) const {
     const bool owned =
         !exists_ || chown(written.path().c_str(), status_.st_uid, status_.st_gid) == 0;
     // A file that stays ours must not carry the set-id bits of another owner's.

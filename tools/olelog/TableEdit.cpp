@@ -8,6 +8,7 @@
 #include "files.h"
 #include "messages.h"
 #include "ReplacedFile.h"
+#include "SaveTarget.h"
 #include "tableFile.h"
 
 #include <CLI/CLI.hpp>
@@ -16,8 +17,7 @@
 namespace {
 
 bool isOverInput(const EditOptions& options) {
-    return options.output.empty() || (options.file != "-" && options.output != "-" &&
-                                      isSameFile(options.file, options.output));
+    return options.output.empty() || isSameFile(options.file, options.output);
 }
 
 const std::string& targetOf(const EditOptions& options) {
@@ -34,20 +34,21 @@ bool stops(const EditOutcome& outcome) {
 
 /// A table elsewhere, or on standard output, is wanted also where nothing changed.
 bool leavesFileAlone(const EditOptions& options, const EditOutcome& outcome) {
-    return !outcome.changed && isOverInput(options) && options.file != "-";
+    return !outcome.changed && isOverInput(options) && targetOf(options) != "-";
 }
 
-int save(oledb& table, const EditOptions& options) {
-    showProgress(fmt::format("writing {} ...", targetOf(options)));
-    const int code = saveChecked(table, targetOf(options), {},
-                                 {.strict = options.strict, .dryRun = options.dryRun});
+int save(oledb& table, const EditOptions& options, const SaveTarget& place) {
+    showProgress(fmt::format("writing {} ...", place.name()));
+    const int code =
+        saveChecked(table, place, {}, {.strict = options.strict, .dryRun = options.dryRun});
     clearProgress();
     return code;
 }
 
-int finish(oledb& table, const EditOptions& options, const EditOutcome& outcome) {
+int finish(oledb& table, const EditOptions& options, const SaveTarget& place,
+           const EditOutcome& outcome) {
     const bool alone = leavesFileAlone(options, outcome);
-    const int code = alone ? exitFine : save(table, options);
+    const int code = alone ? exitFine : save(table, options, place);
     if (code == exitFailure) {
         return code;
     }
@@ -85,6 +86,7 @@ std::string_view wouldBe(const EditOptions& options) {
 }
 
 int runEdit(const EditOptions& options, const Edit& edit) {
+    const SaveTarget place{targetOf(options)};
     const ReplacedFile target{isOverInput(options) ? "-" : options.output};
     if (target.standsInTheWay(options.inPlace)) {
         return exitUsage;
@@ -108,7 +110,7 @@ int runEdit(const EditOptions& options, const Edit& edit) {
     if (stops(outcome)) {
         return outcome.code;
     }
-    const int code = finish(*loaded.table, options, outcome);
+    const int code = finish(*loaded.table, options, place, outcome);
     if (code != exitFailure && !options.dryRun) {
         target.tell();
     }

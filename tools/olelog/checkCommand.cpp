@@ -64,7 +64,7 @@ bool targetMakesSense(const CheckOptions& options) {
     if (target.empty() || target == "-") {
         return true;
     }
-    const bool overLog = options.logs.front() != "-" && isSameFile(options.logs.front(), target);
+    const bool overLog = isSameFile(options.logs.front(), target);
     if (overLog && !options.inPlace) {
         say("{} would be replaced by its mended copy; --in-place allows that", target);
         return false;
@@ -183,7 +183,7 @@ std::size_t countMended(const LogVerdict& log, const FindingList& left) {
 
 class CheckJob {
 public:
-    explicit CheckJob(const CheckOptions& options) : options_{options} {}
+    explicit CheckJob(const CheckOptions& options) : options_{options}, target_{options.fixed} {}
 
     int run() {
         int code = exitFine;
@@ -308,20 +308,20 @@ private:
 
     /// 0, or an error number.
     [[nodiscard]] int writeFile(std::string_view text) const {
-        const SaveTarget target{options_.fixed};
-        if (const int error = target.whyNotWritable()) {
+        if (const int error = target_.whyNotWritable()) {
             return error;
         }
-        auto written = target.makeSibling();
+        auto written = target_.makeSibling();
         if (!written) {
             return errno;
         }
         const int error = writeAll(written->file(), text);
         written->close();
-        return error != 0 ? error : target.take(*written);
+        return error != 0 ? error : target_.take(*written);
     }
 
     const CheckOptions& options_;
+    const SaveTarget target_;
     Output out_;
     Json findings_ = Json::array();
     Json changes_ = Json::array();

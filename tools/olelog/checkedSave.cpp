@@ -44,14 +44,13 @@ bool takeTagsFromColumn(oledb& table, const RowOrigins& origins) {
 }
 
 /// Puts the written file in its place, unless that is not wanted.
-int finish(const SaveTarget& place, TemporaryFile& written, const std::string& target,
-           bool lossless, const SaveRules& rules) {
+int finish(const SaveTarget& place, TemporaryFile& written, bool lossless, const SaveRules& rules) {
     if (!lossless && rules.strict) {
-        return refuseLoss(target);
+        return refuseLoss(place.name());
     }
     if (!rules.dryRun) {
         if (const int error = place.take(written)) {
-            return cannotWrite(target, error);
+            return cannotWrite(place.name(), error);
         }
     }
     return lossless ? exitFine : exitFindings;
@@ -60,6 +59,10 @@ int finish(const SaveTarget& place, TemporaryFile& written, const std::string& t
 } // namespace
 
 int cannotWrite(const std::string& name, int error) {
+    if (error == SaveTarget::changedMeanwhile) {
+        say("{} was changed by somebody else meanwhile; run it again", name);
+        return exitFailure;
+    }
     std::error_code failed;
     const std::string folder = std::filesystem::path{name}.parent_path().string();
     const bool lacksFolder =
@@ -102,9 +105,9 @@ int refuseLoss(const std::string& target) {
     return exitFailure;
 }
 
-int saveChecked(oledb& table, const std::string& target, const RowOrigins& origins,
+int saveChecked(oledb& table, const SaveTarget& place, const RowOrigins& origins,
                 const SaveRules& rules) {
-    const SaveTarget place{target};
+    const std::string& target = place.name();
     if (const int error = place.whyNotWritable()) {
         return cannotWrite(target, error);
     }
@@ -127,7 +130,7 @@ int saveChecked(oledb& table, const std::string& target, const RowOrigins& origi
         return exitFailure;
     }
     const bool changed = tellChanges(table, *loaded, origins);
-    return finish(place, *written, target, tagsKept && !changed, rules);
+    return finish(place, *written, tagsKept && !changed, rules);
 }
 
 bool canBeSaved(const std::string& target) {

@@ -8,6 +8,7 @@ namespace CLI {
 class App;
 }
 class oledb;
+class SaveTarget;
 
 struct SaveRules {
     bool strict = false; ///< what the format changes is an error, not a finding
@@ -31,8 +32,8 @@ int cannotWrite(const std::string& name, int error);
 /// Says that nothing was written because of --strict. Returns the exit code.
 int refuseLoss(const std::string& target);
 
-/// Saves a table in a file (- for standard output) and makes sure that it can be loaded again. Its
-/// column "Tag", where there is one, holds its tags: a table keeps no others.
+/// Saves a table in a file and makes sure that it can be loaded again. Its column "Tag", where
+/// there is one, holds its tags: a table keeps no others.
 ///
 /// It is written beside the target, loaded back and compared. A table that would not come back
 /// whole is not saved: the target stays as it was, and the reason is said. Single values that come
@@ -40,7 +41,7 @@ int refuseLoss(const std::string& target);
 /// keeps its permissions.
 ///
 /// Returns the tool's exit code.
-int saveChecked(oledb& table, const std::string& target, const RowOrigins& origins,
+int saveChecked(oledb& table, const SaveTarget& place, const RowOrigins& origins,
                 const SaveRules& rules = {});
 
 /// Whether a file could be saved there; says why not. For commands that only tell what they would

@@ -8,6 +8,7 @@
 #include "messages.h"
 #include "misc/BoolString.h"
 #include "ole/oledb/TarnContainerFile.h"
+#include "SaveTarget.h"
 #include "shownText.h"
 #include "tableFile.h"
 #include "tarn/StringFunctions.h"
@@ -198,8 +199,8 @@ std::string behindColon(const CookieVec& cookies, const WantedItems& wanted) {
 }
 
 /// Saves the container; `codeSoFar` is the exit code where that finds nothing.
-int save(oledb& table, const std::string& container, int codeSoFar) {
-    const int code = saveChecked(table, container, {});
+int save(oledb& table, const SaveTarget& place, int codeSoFar) {
+    const int code = saveChecked(table, place, {});
     return code == exitFine ? codeSoFar : code;
 }
 
@@ -214,8 +215,8 @@ int exitCodeOf(const WantedItems& wanted) {
 }
 
 /// Adds what is not in the container yet, and saves it where that is anything.
-int addItems(LoadedContainer& container, const WantedItems& wanted,
-             const ContainerAddition& asked) {
+int addItems(LoadedContainer& container, const WantedItems& wanted, const ContainerAddition& asked,
+             const SaveTarget& place) {
     const std::string name = nameOf(asked.container);
     CookieVec added;
     CookieVec known;
@@ -242,7 +243,7 @@ int addItems(LoadedContainer& container, const WantedItems& wanted,
     for (const Cookie& cookie : added) {
         appendItem(*container.table, container.cookieCol, cookie);
     }
-    const int code = save(*container.table, asked.container, exitCodeOf(wanted));
+    const int code = save(*container.table, place, exitCodeOf(wanted));
     if (code != exitFailure) {
         say("{}: {} added, {} in all", name, counted(added.size(), "item"),
             container.table->get_num_records());
@@ -253,6 +254,7 @@ int addItems(LoadedContainer& container, const WantedItems& wanted,
 } // namespace
 
 int createContainer(const ContainerCreation& wanted) {
+    const SaveTarget place{wanted.container};
     const std::unique_ptr<oledb> table = makeTable(wanted);
     WantedItems items;
     if (!table || !takeArguments(items, wanted.items.cookies) ||
@@ -277,7 +279,7 @@ int createContainer(const ContainerCreation& wanted) {
             behindColon({items.cookies.begin(), items.cookies.end()}, items));
         return exitCodeOf(items);
     }
-    const int code = save(*table, wanted.container, exitCodeOf(items));
+    const int code = save(*table, place, exitCodeOf(items));
     if (code != exitFailure) {
         say("{}: {}", nameOf(wanted.container), what);
     }
@@ -285,6 +287,7 @@ int createContainer(const ContainerCreation& wanted) {
 }
 
 int addToContainer(const ContainerAddition& asked) {
+    const SaveTarget place{asked.container};
     WantedItems wanted;
     if (asked.items.cookies.empty() && asked.items.from.empty()) {
         sayLine("nothing to add: name cookies, or a table with --from");
@@ -310,5 +313,5 @@ int addToContainer(const ContainerAddition& asked) {
         say("{}: nothing was added", nameOf(asked.container));
         return *failed;
     }
-    return addItems(container, wanted, asked);
+    return addItems(container, wanted, asked, place);
 }

@@ -100,7 +100,8 @@ bool takeStoredFields(oledb& table, const ExportOptions& options, Selection& sel
 class Export {
 public:
     Export(const ExportOptions& options, std::string format)
-        : options_{options}, format_{std::move(format)} {}
+        : options_{options}, format_{std::move(format)}, place_{options.output},
+          source_{options.file} {}
 
     int run() {
         const auto file = InputFile::open(options_.file);
@@ -129,11 +130,10 @@ public:
 
 private:
     int write(oledb& table, const Selection& selection) {
-        const SaveTarget place{options_.output};
-        if (const int error = place.whyNotWritable()) {
+        if (const int error = place_.whyNotWritable()) {
             return cannotWrite(options_.output, error);
         }
-        auto written = place.makeSibling();
+        auto written = place_.makeSibling();
         const int failed = written ? fill(*written, table, selection) : errno;
         if (failed != 0) {
             return cannotWrite(options_.output, failed);
@@ -141,7 +141,7 @@ private:
         if (options_.keepFields && !keepFields(table, selection)) {
             return exitFailure;
         }
-        if (const int error = place.take(*written)) {
+        if (const int error = place_.take(*written)) {
             return cannotWrite(options_.output, error);
         }
         return findings_ ? exitFindings : exitFine;
@@ -189,13 +189,15 @@ private:
             say("{}: nothing was written", options_.file);
             return false;
         }
-        const int code = saveChecked(table, options_.file, {}, {.strict = options_.strict});
+        const int code = saveChecked(table, source_, {}, {.strict = options_.strict});
         findings_ = findings_ || code == exitFindings;
         return code != exitFailure;
     }
 
     const ExportOptions& options_;
     std::string format_;
+    const SaveTarget place_;
+    const SaveTarget source_; // for --keep-fields
     bool findings_ = false;
 };
 

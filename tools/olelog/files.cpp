@@ -81,11 +81,15 @@ LightweightString<wchar_t> modulePath(const std::string& path) {
     return pathFromBytes(path);
 }
 
-bool isSameFile(const std::string& a, const std::string& b) {
-    struct stat statusA {};
-    struct stat statusB {};
-    return stat(a.c_str(), &statusA) == 0 && stat(b.c_str(), &statusB) == 0 &&
-           statusA.st_dev == statusB.st_dev && statusA.st_ino == statusB.st_ino;
+bool isSameFile(const std::string& input, const std::string& path) {
+    struct stat in {};
+    struct stat out {};
+    if (path == "-" || stat(path.c_str(), &out) != 0) {
+        return false;
+    }
+    const bool known = input == "-" ? fstat(STDIN_FILENO, &in) == 0 && S_ISREG(in.st_mode)
+                                    : stat(input.c_str(), &in) == 0;
+    return known && in.st_dev == out.st_dev && in.st_ino == out.st_ino;
 }
 
 std::optional<InputFile> InputFile::open(const std::string& name) {

@@ -19,8 +19,9 @@ int copyAll(int from, int to);
 /// A path as the module takes it.
 LightweightString<wchar_t> modulePath(const std::string& path);
 
-/// Whether both paths lead to one existing file, by whatever names.
-bool isSameFile(const std::string& a, const std::string& b);
+/// Whether a file that is read (- for standard input) is the one at a path, by whatever names. The
+/// path - leads to none.
+bool isSameFile(const std::string& input, const std::string& path);
 
 /// A file to read, as a person named it: a path, or - for standard input. What can be read only
 /// once (a pipe, a terminal) is copied into a temporary file, so that it can be read again.

@@ -17,6 +17,7 @@
 #include "ole/oledb/oledb.h"
 #include "repeatedRows.h"
 #include "ReplacedFile.h"
+#include "SaveTarget.h"
 #include "shownText.h"
 #include "standardFields.h"
 #include "tableFile.h"
@@ -66,9 +67,8 @@ bool usageMakesSense(const ImportOptions& options) {
         return false;
     }
     const bool overLog =
-        std::any_of(options.logs.begin(), options.logs.end(), [&](const auto& log) {
-            return log != "-" && options.output != "-" && isSameFile(log, options.output);
-        });
+        std::any_of(options.logs.begin(), options.logs.end(),
+                    [&](const auto& log) { return isSameFile(log, options.output); });
     if (overLog && !options.inPlace) {
         say("{} is a log and would become the table; --in-place allows that", options.output);
         return false;
@@ -91,8 +91,8 @@ bool isKept(const ReplacedFile& target, const ImportOptions& options) {
 
 class ImportJob {
 public:
-    ImportJob(const ImportOptions& options, const ReplacedFile& target)
-        : options_{options}, target_{target} {}
+    ImportJob(const ImportOptions& options, const SaveTarget& place, const ReplacedFile& target)
+        : options_{options}, place_{place}, target_{target} {}
 
     int run() {
         if (!openLogs() || !prepareTable()) {
@@ -391,8 +391,7 @@ private:
 
     int save() {
         showProgress(fmt::format("writing {} ...", options_.output));
-        const int code =
-            saveChecked(*table_, options_.output, origins_, {.strict = options_.strict});
+        const int code = saveChecked(*table_, place_, origins_, {.strict = options_.strict});
         clearProgress();
         if (code == exitFailure) {
             return code;
@@ -409,6 +408,7 @@ private:
     }
 
     const ImportOptions& options_;
+    const SaveTarget& place_;
     const ReplacedFile& target_;
     std::vector<Log> logs_;
     std::unique_ptr<oledb> table_;
@@ -425,11 +425,12 @@ int runImport(const ImportOptions& options) {
     if (!usageMakesSense(options)) {
         return exitUsage;
     }
+    const SaveTarget place{options.output};
     const ReplacedFile target{options.output};
     if (isKept(target, options)) {
         return exitUsage;
     }
-    return canBeSaved(options.output) ? ImportJob{options, target}.run() : exitFailure;
+    return canBeSaved(options.output) ? ImportJob{options, place, target}.run() : exitFailure;
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include "messages.h"
 #include "ole/oledb/oledb.h"
 #include "ReplacedFile.h"
+#include "SaveTarget.h"
 #include "selection.h"
 #include "tableFile.h"
 
@@ -28,7 +29,7 @@ struct SaveOptions {
 };
 
 bool isOverInput(const SaveOptions& options) {
-    return options.file != "-" && options.output != "-" && isSameFile(options.file, options.output);
+    return isSameFile(options.file, options.output);
 }
 
 /// A table of the selected columns, with the parameters of the one that they come from.
@@ -56,16 +57,18 @@ void copyRows(const Selection& selection, oledb& table) {
     }
 }
 
-int saveSelection(oledb& source, const Selection& selection, const SaveOptions& options) {
+int saveSelection(oledb& source, const Selection& selection, const SaveTarget& place,
+                  const SaveOptions& options) {
     const std::unique_ptr<oledb> table = makeTable(source, selection.columns);
     copyRows(selection, *table);
     showProgress(fmt::format("writing {} ...", options.output));
-    const int code = saveChecked(*table, options.output, {}, {.strict = options.strict});
+    const int code = saveChecked(*table, place, {}, {.strict = options.strict});
     clearProgress();
     return code;
 }
 
 int runSave(const SaveOptions& options) {
+    const SaveTarget place{options.output};
     if (isOverInput(options) && !options.inPlace) {
         say("{} would be replaced by a selection of it; --in-place allows that", options.output);
         return exitUsage;
@@ -91,7 +94,7 @@ int runSave(const SaveOptions& options) {
         say("{}: no row is selected; nothing was written", file->name());
         return exitFindings;
     }
-    const int code = saveSelection(*loaded.table, *selection, options);
+    const int code = saveSelection(*loaded.table, *selection, place, options);
     if (code != exitFailure) {
         target.tell();
     }

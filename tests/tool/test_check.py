@@ -88,7 +88,10 @@ FINDINGS = [
     (with_rows(row(KN_Start="KU 31 5127 0416 no mark")), [("key-number-cut", 13)]),
     (replaced(b"good", b" good  "), [("trimmed-value", 10)]),
     (replaced(b"good", b"C:\\new"), [("changed-value", 10)]),
-    (replaced(b"good", b"a\rb"), [("changed-value", 10)]),
+    (replaced(b"good", b"a\rb"), [("changed-value", 10), ("mixed-line-ends", 10)]),
+    (replaced(b"good\t\n", b"good\t\r"), [("mixed-line-ends", 10), ("too-many-values", 10)]),
+    (replaced(b"\nData\n", b"\nDate\n"), [("section-word", 9)]),
+    (CLEAN.rstrip(b"\n"), [("no-line-end", 12)]),
     (b"\xef\xbb\xbf" + CLEAN, [("byte-order-mark", 1)]),
     (CLEAN.decode().encode("latin-1"), [("encoding", 12)]),
     (CLEAN.replace(b"\n", b"\r\n", 3), [("mixed-line-ends", 4)]),
@@ -127,7 +130,6 @@ def test_every_code_is_tried_and_described():
     [
         CLEAN,
         CLEAN.replace(b"\n", b"\r\n"),
-        CLEAN.rstrip(b"\n"),
         CLEAN + b"\t\n \t \n",  # lines that hold nothing
         log_text([*TITLES, "Lens"], [[*cells, " "] for cells in ROWS]),  # a column without values loses none
         log_text([*TITLES, "Reel"], [[*cells[:4], "", *cells[5:], "T1"] for cells in ROWS]),
@@ -269,7 +271,7 @@ def test_findings_are_what_the_import_loses_and_mending_keeps_it(tmp_path, seed)
         told = check(tmp_path, broken, "--fix", tmp_path / "mended.ale", "--in-place")["findings"]
         context = f"seed {seed}, round {number}: {broken!r}\n{told}"
 
-        result = run("import", tmp_path / "a.ale", "-o", tmp_path / "a.odb")
+        result = run("import", tmp_path / "a.ale", "-o", tmp_path / "a.odb", "--in-place")
         assert (result.returncode == 3) == any(f["severity"] == "refused" for f in told), context + messages(result)
         if result.returncode != 3:
             lost = lost_by_import(tmp_path / "a.odb", pairs, cells, False)
@@ -279,7 +281,7 @@ def test_findings_are_what_the_import_loses_and_mending_keeps_it(tmp_path, seed)
 
         mended = (tmp_path / "mended.ale").read_bytes()
         left = check(tmp_path, mended)["findings"]
-        run("import", tmp_path / "mended.ale", "-o", tmp_path / "m.odb", "--all-columns")
+        run("import", tmp_path / "mended.ale", "-o", tmp_path / "m.odb", "--all-columns", "--in-place")
         excused = {line for f in left if f["code"] in NOT_MENDABLE for line in f["lines"]}
         values = {cell for line, _, cell in read_plainly(mended.decode())[2] if line in excused}
         kept = [(line, title, cell.strip().replace("\\n", "\n")) for line, title, cell in cells if cell not in values]
@@ -403,5 +405,18 @@ def test_what_is_left_is_told_at_the_end(tmp_path):
     said = expect(1, "check", log, "--fix", mended, "--in-place", "--encoding", "MACINTOSH", "--ignore", "column-without-field,too-few-values")
     assert "guess" not in said and said.endswith("m.ale can be imported; no finding is left\n")
     log.write_bytes(with_rows(row(Note="x" * 4100)))
-    assert "m.ale cannot be imported; 1 finding is left for you: line 13 (row-too-long)" in expect(1, "check", log, "--fix", mended, "--in-place")
+    before = mended.read_bytes()
+    said = expect(3, "check", log, "--fix", mended, "--in-place")
+    assert "m.ale: not written: " in said and "the row needs a line of" in said and mended.read_bytes() == before
     assert "--fix OUT" not in expect(1, "check", log)
+
+
+def test_a_line_is_parted_at_its_cr_where_both_parts_are_rows(tmp_path):
+    """What stands behind the CR must not become columns."""
+    log, fixed = tmp_path / "a.ale", tmp_path / "fixed.ale"
+    log.write_bytes(log_text(["Name", "Take", "Note"], [["A", "1", "x\rB", "2", "y"], ["C", "3", "z\rD", "4"], ["E", "5", "a\rb"]]))
+    assert "10: the line holds a CR" in (said := run("check", log).stdout.decode()) and "3 in CR alone" in said
+    last = expect(1, "check", log, "--fix", fixed).splitlines()[-1]
+    assert "can be imported, but not whole; " in last and "12 (mixed-line-ends)" in last
+    lines = fixed.read_bytes().split(b"\n")
+    assert lines[6] == b"Name\tTake\tNote" and lines[9:] == [b"A\t1\tx", b"B\t2\ty", b"C\t3\tz\rD\t4", b"E\t5\ta\rb", b""]

@@ -140,7 +140,7 @@ def test_add_chosen_rows(container):
     before = container.read_bytes()
     for choice in ("Name=x", "Scene=?"):
         said = expect(3, "container", "add", container, "--from", table, "--where", choice)
-        assert f"{table}:45: the row has no cookie" in said and "olelog import --identify" in said
+        assert f"{table}:45: the row has no cookie" in said and "olelog identify TABLE" in said
     said = expect(3, "container", "add", container, "--from", table, "--where", "Name=y")
     assert f'{table}:46: Cookie: "rubbish" is no cookie' in said
     assert "no row is selected" in expect(1, "container", "add", container, "--from", table, "--where", "Name=none")

@@ -104,7 +104,7 @@ def test_permissions_stay_and_new_files_follow_the_mask(tmp_path, log):
     table = tmp_path / "a.odb"
     write_table(table, ["Name"], [["old"]])
     table.chmod(0o640)
-    expect(0, "import", log, "-o", table)
+    expect(0, "import", log, "-o", table, "--in-place")
     assert stat.S_IMODE(table.stat().st_mode) == 0o640 and info(table)["rows"] == 2
     assert shell(f"umask 027; olelog import {log} -o {tmp_path}/new.odb").returncode == 0
     assert stat.S_IMODE((tmp_path / "new.odb").stat().st_mode) == 0o640
@@ -117,7 +117,7 @@ def test_links_stay_links(tmp_path, log):
     write_table(folder / "old", ["Name"], [["old"]])
     (tmp_path / "old.odb").symlink_to(folder / "old")
     for name in ("new.odb", "old.odb"):
-        expect(0, "import", log, "-o", tmp_path / name)
+        expect(0, "import", log, "-o", tmp_path / name, "--in-place")
         assert (tmp_path / name).is_symlink() and info(tmp_path / name)["rows"] == 2
     assert sorted(p.name for p in folder.iterdir()) == ["new.odb", "old"]
 

@@ -189,7 +189,7 @@ def test_refused_logs_import_whole_when_mended(tmp_path, name, rows, name_of_fir
 
 # What there is to find besides columns without a field.
 CHECKED = {"one-line-heading-crlf": ["heading-line", "key-number", "too-few-values", "trimmed-value"]}
-CHECKED |= {"film-24p-ntsc": ["key-number"], "cr-only": ["cr-line-ends"], "blank-lines": ["blank-names", "joined-columns", "title-spelling"]}
+CHECKED |= {"minimal-ntsc": ["no-line-end"], "film-24p-ntsc": ["key-number"], "cr-only": ["cr-line-ends"], "blank-lines": ["blank-names", "joined-columns", "title-spelling"]}
 
 
 @pytest.mark.parametrize("name", [*LOGS, "cr-only", "blank-lines"])

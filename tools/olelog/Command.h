@@ -31,6 +31,7 @@ void addCompletionCommand(CLI::App& app, Task& task);
 void addContainerCommand(CLI::App& app, Task& task);
 void addDedupeCommand(CLI::App& app, Task& task);
 void addExportCommand(CLI::App& app, Task& task);
+void addIdentifyCommand(CLI::App& app, Task& task);
 void addImportCommand(CLI::App& app, Task& task);
 void addInfoCommand(CLI::App& app, Task& task);
 void addMergeCommand(CLI::App& app, Task& task);

@@ -61,7 +61,7 @@ CLI::App* subcommand(const CLI::App& command, const std::string& word) {
 void passValue(Place& place, const CLI::Option& option, const std::string& word) {
     if (word == "=") { // some shells part --option=value in three
         place.valueOf = &option;
-    } else if (option.check_lname("from")) {
+    } else if (option.check_lname("from") || option.check_lname("with")) {
         place.file = word; // the table that is chosen from
     }
 }

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
+#include <optional>
 
 namespace {
 
@@ -41,10 +42,24 @@ std::string shellWord(const std::string& text) {
     return word + "'";
 }
 
-std::string whatIsLeft(const std::string& path) {
+/// How many items a container holds that can be read; nothing where it is none.
+std::optional<std::size_t> countItems(const std::string& path) {
     const ModuleSilence silence;
     const TarnContainerFile::Reader left{modulePath(path), false};
-    return left.valid() ? counted(left.getNumItems(), "item") : "no container that can be read";
+    return left.valid() ? std::optional<std::size_t>{left.getNumItems()} : std::nullopt;
+}
+
+/// What an interrupted save left, compared with the container; says what is damaged of it.
+std::string whatIsLeft(const std::string& path, const std::string& container) {
+    const auto items = countItems(path);
+    const auto file = items ? InputFile::open(path) : std::nullopt;
+    if (!file) {
+        return "no container that can be read";
+    }
+    const bool whole = loadTable(*file).whole;
+    const auto held = countItems(container);
+    return counted(*items, "item") + (whole ? "" : ", and it is damaged") +
+           (held && *held > *items ? fmt::format("; {} holds {}", container, *held) : "");
 }
 
 std::string whyUnreadable(const std::string& text) {
@@ -134,6 +149,6 @@ void tellLeftOver(const std::string& container) {
     const std::string why = std::filesystem::exists(container, failed)
                                 ? "; to restore it in place of " + container
                                 : ", perhaps the only copy of " + container + "; to restore it";
-    say("{}: left over from an interrupted save ({}){}: mv {} {}", beside, whatIsLeft(beside), why,
-        shellWord(beside), shellWord(container));
+    say("{}: left over from an interrupted save ({}){}: mv {} {}", beside,
+        whatIsLeft(beside, container), why, shellWord(beside), shellWord(container));
 }

@@ -3,6 +3,7 @@
 
 #include "LogFile.h"
 
+#include "check/knownTitles.h"
 #include "messages.h"
 #include "ole/oledb/oledb.h"
 #include "shownText.h"
@@ -24,6 +25,7 @@ namespace {
 constexpr std::string_view headingWord = "Heading";
 constexpr std::string_view columnWord = "Column";
 constexpr std::string_view dataWord = "Data";
+constexpr std::string_view filmFormatWord = "FILM_FORMAT";
 constexpr std::size_t bytesToJudge = 256;
 
 std::vector<std::string_view> pieces(std::string_view line, Tarn::SplitMode mode) {
@@ -75,6 +77,9 @@ public:
             head_.namesLine = words_.column + 1;
             takeNames();
             takeParameters();
+            noteRepeated();
+            noteFilmFormats();
+            noteUnreadLines();
             noteOddLines();
         }
         return std::move(head_);
@@ -149,6 +154,16 @@ private:
         return false;
     }
 
+    /// A line that is the word but for one letter; the names may be such.
+    [[nodiscard]] unsigned misspelt(std::string_view word) const {
+        for (unsigned number = 1; number <= text_.numLines(); ++number) {
+            if (number != words_.column + 1 && isOneSlip(Tarn::trimmed(line(number)), word)) {
+                return number;
+            }
+        }
+        return 0;
+    }
+
     /// A line that is the word but for its case, blanks around it or a byte order mark.
     [[nodiscard]] unsigned nearMiss(std::string_view word) const {
         for (unsigned number = 1; number <= text_.numLines(); ++number) {
@@ -158,7 +173,7 @@ private:
                 return number;
             }
         }
-        return 0;
+        return misspelt(word);
     }
 
     void takeNames() {
@@ -177,6 +192,57 @@ private:
                     {number, fmt::format("heading line {} not taken ({} where a name and a value "
                                          "should stand)",
                                          number, counted(found.size(), "text"))});
+            }
+        }
+    }
+
+    /// Names that stand twice, in any case: the last value counts.
+    void noteRepeated() {
+        std::map<LightweightString<char>, std::string, StrCmpCI> values;
+        for (unsigned number = 2; number <= words_.column; ++number) {
+            const auto found = piecesOfHeading(line(number));
+            if (found.size() != 2) {
+                continue;
+            }
+            const std::string value{found[1]};
+            const auto [known, isNew] = values.emplace(LightweightString<char>{found[0]}, value);
+            if (!isNew && known->second != value) {
+                head_.repeated.push_back(
+                    {number,
+                     fmt::format("{} stands twice in the heading; its value {} takes the "
+                                 "place of {}",
+                                 inQuotes(found[0]), inQuotes(value), inQuotes(known->second))});
+                known->second = value;
+            }
+        }
+    }
+
+    void noteFilmFormats() {
+        for (unsigned number = 1; number < words_.data; ++number) {
+            const auto found = piecesOfHeading(line(number));
+            if (!line(number).starts_with(filmFormatWord)) {
+                continue;
+            }
+            head_.filmFormat = {number, std::string{line(number)}};
+            std::string value{found.size() == 2 ? found[1] : std::string_view{}};
+            std::erase(value, ' ');
+            if (found.size() == 2 && value != "16mm" && !value.starts_with("35mm")) {
+                head_.unknownFilm.push_back(
+                    {number, fmt::format("the film format {} is read as 35 mm (F35); the import "
+                                         "knows 16mm, 35mm and \"35mm, 3perf\", to the letter",
+                                         inQuotes(found[1]))});
+            }
+        }
+    }
+
+    /// Lines between the names and the rows are passed over.
+    void noteUnreadLines() {
+        for (unsigned number = head_.namesLine + 1; number < words_.data; ++number) {
+            if (!isEssentiallyEmpty(line(number))) {
+                head_.unreadLines.push_back(
+                    {number, fmt::format("{} is not read: it stands between the column names and "
+                                         "\"Data\"",
+                                         inQuotes(line(number)))});
             }
         }
     }

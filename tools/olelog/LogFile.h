@@ -36,12 +36,22 @@ struct LogHead {
         std::size_t cells; ///< those that it has, empty ones included
     };
 
+    /// A heading line that sets the film format; it goes into the label of every row.
+    struct FilmFormat {
+        unsigned line = 0; ///< 0 where there is none
+        std::string text;
+    };
+
     std::string refusal;     ///< why the log cannot be taken; empty when it can
     std::string refusalCode; ///< the same in a word that does not change, for scripts
     unsigned refusalLine = 1;
     LogWords words;                     ///< where the heading ends and the rows begin
     std::vector<Parameter> parameters;  ///< the heading lines that hold a name and a value
     std::vector<OddLine> oddLines;      ///< heading lines that are not taken
+    std::vector<OddLine> repeated;      ///< parameters whose value takes the place of another
+    std::vector<OddLine> unreadLines;   ///< between the names and the rows
+    std::vector<OddLine> unknownFilm;   ///< film formats that the import does not know
+    FilmFormat filmFormat;              ///< the last of them, which counts
     std::vector<unsigned> shiftedLines; ///< rows of which a leading tab moves the values left
     std::vector<ShortRow> shortRows;    ///< rows with fewer values than there are column names
     std::vector<unsigned> zeroLines;    ///< lines of which the part behind a zero byte is lost

@@ -79,5 +79,7 @@ void ReplacedFile::tell() const {
     if (kind_ == Kind::Table || kind_ == Kind::Container) {
         say("replaced {}, which held {}", target_,
             counted(rows_, kind_ == Kind::Container ? "item" : "row"));
+    } else if (kind_ == Kind::Foreign) {
+        say("replaced {}", target_);
     }
 }

@@ -14,7 +14,8 @@ public:
     /// so.
     [[nodiscard]] bool standsInTheWay(bool inPlace) const;
     [[nodiscard]] bool isContainer() const { return kind_ == Kind::Container; }
-    /// Says what was replaced, where it was a table.
+    [[nodiscard]] bool isTable() const { return kind_ == Kind::Table; }
+    /// Says what was replaced, where it held anything.
     void tell() const;
 
 private:

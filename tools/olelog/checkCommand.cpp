@@ -143,9 +143,11 @@ std::string figuresOf(const LogVerdict& log) {
     return text;
 }
 
-bool isRefused(const FindingList& findings) {
-    return std::any_of(findings.all().begin(), findings.all().end(), [](const Finding& finding) {
-        return finding.kind.severity == Severity::Refused;
+/// Columns aside, which --all-columns keeps.
+bool losesNothing(const FindingList& findings) {
+    return std::none_of(findings.all().begin(), findings.all().end(), [](const Finding& finding) {
+        return finding.kind.severity == Severity::Lost &&
+               finding.kind.code != finding::columnWithoutField.code;
     });
 }
 
@@ -228,30 +230,43 @@ private:
         }
     }
 
-    /// What is left of the findings in the mended log, without those that are not asked for.
-    [[nodiscard]] std::optional<FindingList> left(const LogVerdict& log) const {
-        auto findings = findingsLeft(log.mended);
-        if (findings) {
-            findings->ignore(options_.ignored);
+    /// What an import would make of the mended log.
+    struct Copy {
+        std::string refusal; ///< why it would not take it; empty where it would
+        FindingList left;    ///< without those that are not asked for
+    };
+
+    [[nodiscard]] Copy copyOf(const MendedLog& log) const {
+        Copy copy{whyNotMended(log), {}};
+        auto left = copy.refusal.empty() ? findingsLeft(log) : std::nullopt;
+        if (!left) {
+            copy.refusal += copy.refusal.empty() ? reasonText(EIO) : "";
+            return copy;
         }
-        return findings;
+        for (const Finding& finding : left->all()) {
+            if (finding.kind.severity == Severity::Refused && copy.refusal.empty()) {
+                copy.refusal = finding.message;
+            }
+        }
+        left->ignore(options_.ignored);
+        copy.left = std::move(*left);
+        return copy;
     }
 
     /// How many of the findings a mended copy would not have.
     void tellMendable(const LogVerdict& log) const {
-        if (log.findings.all().empty() || log.mended.changes.empty() ||
-            !whyNotMended(log.mended).empty()) {
+        if (log.findings.all().empty() || log.mended.changes.empty()) {
             return;
         }
-        const auto found = left(log);
-        const std::size_t mended = found ? countMended(log, *found) : 0;
+        const Copy copy = copyOf(log.mended);
+        const std::size_t mended = copy.refusal.empty() ? countMended(log, copy.left) : 0;
         if (mended != 0) {
             say("{}: --fix OUT mends {} of these", log.name, mended);
         }
     }
 
     /// The last word: whether the copy can be imported, and what a person still has to decide.
-    void tellLeft(const LogVerdict& log) const {
+    void tellLeft(const LogVerdict& log, const FindingList& left) const {
         const auto& changes = log.mended.changes;
         const bool guessed = std::any_of(changes.begin(), changes.end(), [](const auto& change) {
             return change.kind.code == finding::encoding.code;
@@ -261,16 +276,14 @@ private:
                 "the guess",
                 targetName());
         }
-        if (const auto found = left(log)) {
-            say("{} {}; {}", targetName(),
-                isRefused(*found) ? "cannot be imported" : "can be imported", describeLeft(*found));
-        }
+        say("{} can be imported{}; {}", targetName(), losesNothing(left) ? "" : ", but not whole",
+            describeLeft(left));
     }
 
     bool write(const LogVerdict& log) {
-        const std::string why = whyNotMended(log.mended);
-        if (!why.empty()) {
-            say("{}: not written: {} cannot be mended: {}", targetName(), log.name, why);
+        const Copy copy = copyOf(log.mended);
+        if (!copy.refusal.empty()) {
+            say("{}: not written: {} cannot be mended: {}", targetName(), log.name, copy.refusal);
             return false;
         }
         if (const int error = writeFile(log.mended.text())) {
@@ -283,7 +296,7 @@ private:
         say("{}: {}", targetName(),
             log.mended.changes.empty() ? "a copy without a change"
                                        : counted(log.mended.changes.size(), "change"));
-        tellLeft(log);
+        tellLeft(log, copy.left);
         return true;
     }
 

@@ -93,7 +93,7 @@ bool takeRows(WantedItems& wanted, const LoadedTable& loaded, const InputFile& f
     }
     findings.close();
     if (missing) {
-        say("{}: \"olelog import --identify\" gives every row without a cookie a new one",
+        say("{}: \"olelog identify TABLE\" gives every row of a table without a cookie a new one",
             file.name());
     }
     return !findings.any();

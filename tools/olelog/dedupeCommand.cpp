@@ -9,14 +9,19 @@
 #include "ole/oledb/oledb.h"
 #include "rowKey.h"
 #include "rowNames.h"
+#include "shownText.h"
 #include "TableEdit.h"
 #include "tableValues.h"
 #include "tagColumn.h"
+#include "tarn/numbers.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -64,6 +69,40 @@ void tell(oledb& table, const Repeats& repeats) {
     lines.close();
 }
 
+int tagIn(std::string_view value) {
+    return Tarn::parseInt(std::string{value}.c_str());
+}
+
+/// Whether a removed row's value is lost: the one that stays has none, or another.
+bool isLost(const oledb& table, unsigned col, std::string_view gone, std::string_view kept) {
+    if (static_cast<int>(col) == table.get_fieldnum("Tag")) {
+        return tagIn(gone) != 0 && tagIn(gone) != tagIn(kept);
+    }
+    return !gone.empty() && gone != kept;
+}
+
+/// Tells the values that go with the removed rows, and returns how many they are. Those that are
+/// compared are equal but for their case.
+std::size_t tellLost(oledb& table, const Repeats& repeats, const std::vector<unsigned>& keys,
+                     const EditOptions& edit) {
+    Findings lost;
+    for (const Repeat& repeat : repeats.rows) {
+        for (unsigned col = 0; col < table.get_num_fields(); ++col) {
+            const std::string_view gone = valueOf(table, repeat.row, col);
+            const std::string_view kept = valueOf(table, repeat.first, col);
+            if (std::find(keys.begin(), keys.end(), col) == keys.end() &&
+                isLost(table, col, gone, kept)) {
+                lost.tell(fmt::format(
+                    "{}: {}: {} {}; {} has {}", rowAndName(table, repeat.row),
+                    table.get_fieldname(col), inQuotes(gone), edit.dryRun ? "would go" : "goes",
+                    rowAndName(table, repeat.first), kept.empty() ? "none" : inQuotes(kept)));
+            }
+        }
+    }
+    lost.close();
+    return lost.count();
+}
+
 void remove(oledb& table, const Repeats& repeats) {
     table.set_all_tags(0);
     for (const Repeat& repeat : repeats.rows) {
@@ -72,19 +111,59 @@ void remove(oledb& table, const Repeats& repeats) {
     table.delete_tagged_records();
 }
 
-/// Leaves these rows tagged and no others; false where there is no room for tags.
-bool tag(oledb& table, const Repeats& repeats) {
+/// Leaves these rows tagged and no others. Returns how many other rows lost their tag; nothing
+/// where there is no room for tags.
+std::optional<std::size_t> tag(oledb& table, const Repeats& repeats) {
     const auto col = tagColumn(table);
     if (!col) {
-        return false;
+        return std::nullopt;
     }
-    for (unsigned row = 0; row < table.get_num_records(); ++row) {
-        table.set_field(row, *col, "0");
-    }
+    std::vector<const char*> tags(table.get_num_records(), "0");
     for (const Repeat& repeat : repeats.rows) {
-        table.set_field(repeat.row, *col, "1");
+        tags[repeat.row] = "1";
     }
-    return true;
+    std::size_t lost = 0;
+    for (unsigned row = 0; row < tags.size(); ++row) {
+        lost += tagIn(valueOf(table, row, *col)) != 0 && *tags[row] == '0' ? 1 : 0;
+        table.set_field(row, *col, tags[row]);
+    }
+    return lost;
+}
+
+std::string summaryOf(const std::string& rows, const Repeats& repeats, const std::string& what) {
+    return fmt::format("{}, {} {}{}", rows, repeats.rows.size(), what,
+                       repeats.withoutValue == 0 ? ""
+                                                 : fmt::format("; {} without a value, not compared",
+                                                               repeats.withoutValue));
+}
+
+EditOutcome tagRepeats(oledb& table, const Repeats& repeats, const EditOptions& edit) {
+    const auto lost = repeats.rows.empty() ? std::size_t{0} : tag(table, repeats);
+    if (!lost) {
+        return {.code = exitFailure};
+    }
+    const std::string others =
+        *lost == 0 ? ""
+                   : fmt::format("; {} other {} {} its tag", *lost, *lost == 1 ? "row" : "rows",
+                                 edit.dryRun ? "would lose" : "lost");
+    return {.changed = !repeats.rows.empty(),
+            .summary = summaryOf(counted(table.get_num_records(), "row"), repeats,
+                                 fmt::format("{}tagged{}", wouldBe(edit), others))};
+}
+
+EditOutcome removeRepeats(oledb& table, const Repeats& repeats, const std::vector<unsigned>& keys,
+                          const EditOptions& edit) {
+    const std::string rows = counted(table.get_num_records(), "row");
+    const std::size_t lost = tellLost(table, repeats, keys, edit);
+    if (!repeats.rows.empty()) {
+        remove(table, repeats);
+    }
+    const std::string values = lost == 0 ? ""
+                                         : fmt::format(", and with them {} that the kept rows lack",
+                                                       counted(lost, "value"));
+    return {.code = lost == 0 ? exitFine : exitFindings,
+            .changed = !repeats.rows.empty(),
+            .summary = summaryOf(rows, repeats, fmt::format("{}removed{}", wouldBe(edit), values))};
 }
 
 EditOutcome dedupe(oledb& table, const DedupeOptions& options) {
@@ -94,19 +173,8 @@ EditOutcome dedupe(oledb& table, const DedupeOptions& options) {
     }
     const Repeats repeats = findRepeats(table, *columns, options.empty);
     tell(table, repeats);
-    const std::string rows = counted(table.get_num_records(), "row");
-    if (!repeats.rows.empty() && !options.tagOnly) {
-        remove(table, repeats);
-    } else if (!repeats.rows.empty() && !tag(table, repeats)) {
-        return {.code = exitFailure};
-    }
-    return {.changed = !repeats.rows.empty(),
-            .summary = fmt::format(
-                "{}, {} {}{}{}", rows, repeats.rows.size(), wouldBe(options.edit),
-                options.tagOnly ? "tagged" : "removed",
-                repeats.withoutValue == 0
-                    ? ""
-                    : fmt::format("; {} without a value, not compared", repeats.withoutValue))};
+    return options.tagOnly ? tagRepeats(table, repeats, options.edit)
+                           : removeRepeats(table, repeats, *columns, options.edit);
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include "moduleCsv.h"
 #include "ole/oledb/oledb.h"
 #include "Output.h"
+#include "ReplacedFile.h"
 #include "SaveTarget.h"
 #include "selection.h"
 #include "tableFile.h"
@@ -101,7 +102,7 @@ class Export {
 public:
     Export(const ExportOptions& options, std::string format)
         : options_{options}, format_{std::move(format)}, place_{options.output},
-          source_{options.file} {}
+          replaced_{options.output}, source_{options.file} {}
 
     int run() {
         const auto file = InputFile::open(options_.file);
@@ -144,6 +145,7 @@ private:
         if (const int error = place_.take(*written)) {
             return cannotWrite(options_.output, error);
         }
+        replaced_.tell();
         return findings_ ? exitFindings : exitFine;
     }
 
@@ -197,6 +199,7 @@ private:
     const ExportOptions& options_;
     std::string format_;
     const SaveTarget place_;
+    const ReplacedFile replaced_;
     const SaveTarget source_; // for --keep-fields
     bool findings_ = false;
 };

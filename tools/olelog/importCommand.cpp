@@ -9,6 +9,8 @@
 #include "Command.h"
 #include "extraColumns.h"
 #include "files.h"
+#include "identify.h"
+#include "importedValues.h"
 #include "importSummary.h"
 #include "lineNumbers.h"
 #include "LogFile.h"
@@ -22,9 +24,9 @@
 #include "standardFields.h"
 #include "tableFile.h"
 #include "tableValues.h"
-#include "tarn/Cookie.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
+#include "tarn/trimmed.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -110,7 +112,12 @@ public:
         if (options_.strict && (cut_ || !extra_.noRoom.empty() || !extra_.renamed.empty())) {
             return refuseLoss(options_.output);
         }
-        identify();
+        if (wouldLoseRows()) {
+            return exitUsage;
+        }
+        if (options_.identify) {
+            identifyRows(*table_);
+        }
         return save();
     }
 
@@ -162,7 +169,6 @@ private:
             return false;
         }
         table_ = std::move(loaded.table);
-        rowsBefore_ = table_->get_num_records();
         return true;
     }
 
@@ -206,6 +212,11 @@ private:
         }
         extra_ = addExtraColumns(*table_, titles);
         findings_ = findings_ || !extra_.noRoom.empty() || !extra_.renamed.empty();
+        oledb probe{*table_, 0};
+        if (addFieldWithRoom(probe, {"Tag", DBFieldTypes::LONG}) < 0) {
+            say("{}: no room is left for a column \"Tag\": its rows cannot be tagged",
+                options_.output);
+        }
     }
 
     /// Makes room: takes away the standard columns that no log fills.
@@ -263,8 +274,11 @@ private:
         tellShortRows(log);
         tellParameters(log, before);
         tellRepeated(log, firstRow, report);
-        findings_ = findings_ || !log.head.shortRows.empty() || !report.skippedLines.empty() ||
-                    !log.head.shiftedLines.empty() || !log.head.zeroLines.empty();
+        tellHeading(log);
+        const bool changed = tellChangedValues(log, firstRow, report);
+        cut_ = cut_ || changed || !log.head.shortRows.empty() || !report.skippedLines.empty() ||
+               !log.head.shiftedLines.empty() || !log.head.zeroLines.empty();
+        findings_ = findings_ || cut_;
         if (report.recordsAdded == 0 && !report.skippedLines.empty()) {
             say("{}: cannot be taken: every line has more values than line {} has column names",
                 log.file.name(), log.head.namesLine);
@@ -274,18 +288,80 @@ private:
     }
 
     void tellRepeated(const Log& log, unsigned firstRow, const ALE::Report& report) {
-        if (!appending_) {
-            return;
-        }
         std::vector<unsigned> lines;
-        for (const unsigned row : repeatedRows(*table_, rowsBefore_, *table_, firstRow)) {
+        for (const unsigned row :
+             repeatedRows({*table_, 0, firstRow}, {*table_, firstRow, table_->get_num_records()})) {
             lines.push_back(report.rowLines[row - firstRow]);
         }
         if (!lines.empty()) {
-            say("{}: {} in the table already, with all the same values, and added again: line {}",
-                log.file.name(), counted(lines.size(), "row stands", "rows stand"), runsOf(lines));
+            say("{}: {} in {} already, with the same values wherever both have some, and added "
+                "again: line {}",
+                log.file.name(), counted(lines.size(), "row stands", "rows stand"),
+                appending_ ? "the table" : "another log", runsOf(lines));
             findings_ = true;
         }
+    }
+
+    /// Tells what of the lines before the rows is not in the table as it stands there.
+    void tellHeading(const Log& log) {
+        const LogHead& head = log.head;
+        for (const auto* const lines : {&head.repeated, &head.unknownFilm, &head.unreadLines}) {
+            Findings told;
+            for (const LogHead::OddLine& odd : *lines) {
+                told.tell(fmt::format("{}:{}: {}", log.file.name(), odd.line, odd.what));
+            }
+            told.close();
+            cut_ = cut_ || told.any();
+        }
+    }
+
+    /// Tells values that the import itself did not take as they stand; whether there are any.
+    bool tellChangedValues(const Log& log, unsigned firstRow, const ALE::Report& report) const {
+        std::vector<std::size_t> places;
+        for (std::size_t i = 0; i < log.head.columns.size(); ++i) {
+            if (changesValues(log.head, log.head.columns[i])) {
+                places.push_back(i);
+            }
+        }
+        if (places.empty()) {
+            return false;
+        }
+        const TextFile text{modulePath(log.file.path()), true};
+        Findings changed;
+        for (unsigned i = 0; i < report.rowLines.size(); ++i) {
+            const auto pieces = piecesOfRow(text.lineView(report.rowLines[i] - 1));
+            for (const std::size_t place : places) {
+                const std::string what = place < pieces.size()
+                                             ? whatIsLost(log, place, pieces[place], firstRow + i)
+                                             : "";
+                if (!what.empty()) {
+                    changed.tell(
+                        fmt::format("{}:{}: {}", log.file.name(), report.rowLines[i], what));
+                }
+            }
+        }
+        changed.close();
+        return changed.any();
+    }
+
+    /// What of a value is not in its field; "" where nothing is lost. Of several columns that are
+    /// joined there no more can be said than that the field holds something.
+    [[nodiscard]] std::string whatIsLost(const Log& log, std::size_t place, std::string_view piece,
+                                         unsigned row) const {
+        const std::string& title = log.head.columns[place];
+        const int field = ALE::findODBColumnFor(*table_, title.c_str());
+        if (field < 0 || isEssentiallyEmpty(piece)) {
+            return {};
+        }
+        const std::string_view value = valueOf(*table_, row, static_cast<unsigned>(field));
+        const auto goesThere = [&](const std::string& other) {
+            return ALE::findODBColumnFor(*table_, other.c_str()) == field;
+        };
+        const bool joined =
+            std::count_if(log.head.columns.begin(), log.head.columns.end(), goesThere) > 1;
+        const auto imported = importedValue(log.head, title, piece, value);
+        const bool same = value == Tarn::trimmed(piece) || (joined && !value.empty());
+        return same || !imported || imported->kept ? "" : imported->what;
     }
 
     /// Fills the columns that the module does not find by the logs' titles, as it fills others.
@@ -379,14 +455,21 @@ private:
 
     // -- the end
 
-    void identify() {
-        const int col = table_->get_fieldnum("Cookie");
-        for (unsigned row = 0; options_.identify && row < table_->get_num_records(); ++row) {
-            const char* const held = table_->get_field(row, col);
-            if (!held || *held == '\0') {
-                table_->set_field(row, Cookie::random(CookieType::Unspecified, 0xff));
-            }
+    /// A table that is replaced may hold rows that no log brings back; says how many.
+    [[nodiscard]] bool wouldLoseRows() const {
+        if (appending_ || options_.inPlace || !target_.isTable()) {
+            return false;
         }
+        const std::unique_ptr<oledb> old = loadTableQuietly(options_.output);
+        const unsigned missing = countMissing({*old, 0, old->get_num_records()},
+                                              {*table_, 0, table_->get_num_records()});
+        if (missing != 0) {
+            say("{} holds {}, {} of which {} not among those of the logs and would go; --append "
+                "adds to it, --in-place allows to replace it",
+                options_.output, counted(old->get_num_records(), "row"), missing,
+                missing == 1 ? "is" : "are");
+        }
+        return missing != 0;
     }
 
     int save() {
@@ -413,12 +496,11 @@ private:
     std::vector<Log> logs_;
     std::unique_ptr<oledb> table_;
     bool appending_ = false;
-    unsigned rowsBefore_ = 0; // in the table that is appended to
     ExtraColumns extra_;
     std::set<std::string> emptyTitles_; // their fields were left out for want of values
     RowOrigins origins_;
     bool findings_ = false;
-    bool cut_ = false; // heading parameters found no room
+    bool cut_ = false; // something of the logs is not in the table
 };
 
 int runImport(const ImportOptions& options) {

@@ -77,6 +77,7 @@ int run(int argc, char** argv) {
     addTagCommand(app, task);
     addDedupeCommand(app, task);
     addMergeCommand(app, task);
+    addIdentifyCommand(app, task);
     addCompletionCommand(app, task);
     addContainerCommand(app, task);
     try {

@@ -5,10 +5,12 @@
 // The others are added behind.
 
 #include "Command.h"
+#include "cookieText.h"
 #include "fieldNames.h"
 #include "files.h"
 #include "lineNumbers.h"
 #include "messages.h"
+#include "ole/interchange/FieldMap.h"
 #include "ole/oledb/oledb.h"
 #include "repeatedRows.h"
 #include "rowKey.h"
@@ -17,6 +19,8 @@
 #include "TableEdit.h"
 #include "tableFile.h"
 #include "tableValues.h"
+#include "tarn/numbers.h"
+#include "tarn/StringFunctions.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>
@@ -24,6 +28,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -46,7 +51,9 @@ public:
             return false;
         }
         tellColumnsNotTaken();
+        tellParametersNotTaken();
         tellValuesNotTaken();
+        rememberCookies();
         return true;
     }
 
@@ -69,17 +76,18 @@ public:
             fillMatches();
         }
         differences_.close();
+        tellKnownCookies();
         const unsigned rows = taken_.get_num_records();
         const int matched = taken_.delete_tagged_records();
         const unsigned added = taken_.get_num_records();
         table_.merge_all_matching(&taken_);
-        const bool lossless = !differences_.any() && !unread_.any() && !repeated;
+        const bool lossless = !differences_.any() && !unread_.any() && !repeated && !known_.any();
         return {.code = lossless ? exitFine : exitFindings,
                 .changed = added != 0 || filled_ != 0,
-                .summary =
-                    fmt::format("of {} in {}, {} {}added, {} matched; {} {}filled in{}",
-                                counted(rows, "row"), otherName_, added, wouldBe(edit), matched,
-                                counted(filled_, "value"), wouldBe(edit), differing())};
+                .summary = fmt::format("of {} in {}, {} {}added, {} matched; {} {}filled in{}{}",
+                                       counted(rows, "row"), otherName_, added, wouldBe(edit),
+                                       matched, counted(filled_, "value"), wouldBe(edit),
+                                       differing(), tagsNotTaken())};
     }
 
 private:
@@ -103,12 +111,66 @@ private:
         }
     }
 
+    /// The table's own stay: those of the other that differ are told.
+    void tellParametersNotTaken() const {
+        std::vector<std::string> differing;
+        for (unsigned i = 0; i < other_.get_num_params(); ++i) {
+            const std::string name = other_.get_param_name(i);
+            const char* const held = table_.get_param_val(name.c_str());
+            const std::string offered = other_.get_param_val(name.c_str());
+            const bool isOfFile = compareIgnoringCase(name, "OLEDB") == 0 ||
+                                  compareIgnoringCase(name, FieldMap::parameterName) == 0;
+            if (held && !isOfFile && offered != held) {
+                differing.push_back(fmt::format("{} is {} there and {} here", name,
+                                                inQuotes(offered), inQuotes(held)));
+            }
+        }
+        if (!differing.empty()) {
+            say("{}: parameters differ, and those of the table stay: {}", otherName_,
+                fmt::join(differing, ", "));
+        }
+    }
+
+    /// Identifiers name one row: each is known by the row that has it.
+    void rememberCookies() {
+        cookieCol_ = table_.get_fieldnum("Cookie");
+        for (unsigned row = 0; cookieCol_ >= 0 && row < table_.get_num_records(); ++row) {
+            const std::string cookie = cookieOf(table_, row);
+            if (!cookie.empty()) {
+                cookies_.emplace(cookie, rowAndName(table_, row));
+            }
+        }
+    }
+
+    [[nodiscard]] std::string cookieOf(const oledb& table, unsigned row) const {
+        return plainCookie(valueOf(table, row, static_cast<unsigned>(cookieCol_)));
+    }
+
+    /// Rows that are added with the identifier of another row.
+    void tellKnownCookies() {
+        for (unsigned from = 0; cookieCol_ >= 0 && from < taken_.get_num_records(); ++from) {
+            const std::string cookie = taken_.get_tag(from) != 0 ? "" : cookieOf(taken_, from);
+            if (cookie.empty()) {
+                continue;
+            }
+            const std::string name = fmt::format("{} of {}", rowAndName(taken_, from), otherName_);
+            const auto [known, isNew] = cookies_.emplace(cookie, name);
+            if (!isNew) {
+                known_.tell(fmt::format("{} is added with the identifier that {} has", name,
+                                        known->second));
+            }
+        }
+        known_.close();
+    }
+
     /// Tells rows that are added although they stand in the table; whether there are any.
-    bool tellRepeated() const {
-        std::vector<unsigned> rows = repeatedRows(table_, table_.get_num_records(), taken_, 0);
+    bool tellRepeated() {
+        std::vector<unsigned> rows = repeatedRows({table_, 0, table_.get_num_records()},
+                                                  {taken_, 0, taken_.get_num_records()});
         std::for_each(rows.begin(), rows.end(), [](unsigned& row) { ++row; });
         if (!rows.empty()) {
-            say("{}: {} in the table already, with all the same values: row {}; "
+            say("{}: {} in the table already, with the same values wherever both have some: row "
+                "{}; "
                 "--by FIELD takes such rows as one",
                 otherName_, counted(rows.size(), "row stands", "rows stand"), runsOf(rows));
         }
@@ -161,8 +223,32 @@ private:
             taken_.set_tag(from, !key.empty() && first != behind ? 1 : 0);
             for (auto match = first; !key.empty() && match != behind; ++match) {
                 fill(match->second, from);
+                noteTag(match->second, from);
             }
         }
+    }
+
+    /// A row's tag is its table's own, also where it has none.
+    void noteTag(unsigned row, unsigned from) {
+        const int found = table_.get_fieldnum("Tag");
+        const auto col = static_cast<unsigned>(found);
+        const auto isTagged = [col](const oledb& table, unsigned number) {
+            return Tarn::parseInt(std::string{valueOf(table, number, col)}.c_str()) != 0;
+        };
+        tagsNotTaken_ += found >= 0 && isTagged(taken_, from) && !isTagged(table_, row) ? 1 : 0;
+    }
+
+    /// Whether an identifier may be given to a row: no other row has it. Says where one has.
+    bool isFree(unsigned row, unsigned from) {
+        const auto [known, isNew] =
+            cookies_.emplace(cookieOf(taken_, from), rowAndName(table_, row));
+        if (!isNew) {
+            differences_.tell(
+                fmt::format("{}: Cookie: the identifier of row {} of {} is not taken, "
+                            "for {} has it",
+                            rowAndName(table_, row), from + 1, otherName_, known->second));
+        }
+        return isNew;
     }
 
     void fill(unsigned row, unsigned from) {
@@ -170,6 +256,9 @@ private:
             const std::string_view offered = valueOf(taken_, from, col);
             const std::string_view held = valueOf(table_, row, col);
             if (offered.empty() || held == offered) {
+                continue;
+            }
+            if (held.empty() && static_cast<int>(col) == cookieCol_ && !isFree(row, from)) {
                 continue;
             }
             if (held.empty()) {
@@ -191,6 +280,12 @@ private:
                                  differing_ == 1 ? "stays" : "stay");
     }
 
+    [[nodiscard]] std::string tagsNotTaken() const {
+        return tagsNotTaken_ == 0
+                   ? ""
+                   : fmt::format("; {} of matching rows not taken", counted(tagsNotTaken_, "tag"));
+    }
+
     oledb& table_;
     oledb& other_;
     oledb taken_; // the other's rows in this table's columns, tagged where they match
@@ -199,6 +294,10 @@ private:
     std::vector<unsigned> compared_;
     Findings differences_;
     Findings unread_;
+    Findings known_; // identifiers that stand in the table and are added again
+    int cookieCol_ = -1;
+    std::unordered_map<std::string, std::string> cookies_; // the row that has each
+    std::size_t tagsNotTaken_ = 0;
     std::size_t filled_ = 0;
     std::size_t differing_ = 0;
 };
@@ -218,6 +317,11 @@ EditOutcome mergeTables(oledb& table, oledb& other, const std::string& otherName
 int runMerge(const MergeOptions& options) {
     if (options.edit.file == "-" && options.other == "-") {
         sayLine("standard input can be read only once");
+        return exitUsage;
+    }
+    if (isSameFile(options.edit.file, options.other) ||
+        isSameFile(options.other, options.edit.file)) {
+        say("{} and {} are one file", options.edit.file, options.other);
         return exitUsage;
     }
     const auto file = InputFile::open(options.other);

@@ -48,6 +48,7 @@ public:
     void tell(std::string_view text);
     void close() const;
     [[nodiscard]] bool any() const { return count_ != 0; }
+    [[nodiscard]] std::size_t count() const { return count_; }
 
 private:
     std::size_t count_ = 0;

@@ -12,10 +12,13 @@
 #include "SaveTarget.h"
 #include "selection.h"
 #include "tableFile.h"
+#include "tableValues.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -57,6 +60,25 @@ void copyRows(const Selection& selection, oledb& table) {
     }
 }
 
+/// Tags and identifiers that stand in columns that are not among the chosen ones.
+void tellLeftOut(const oledb& source, const Selection& selection) {
+    for (const char* const name : {"Tag", "Cookie"}) {
+        const int col = source.get_fieldnum(name);
+        const bool chosen = std::count(selection.columns.begin(), selection.columns.end(),
+                                       static_cast<unsigned>(col)) != 0;
+        std::size_t filled = 0;
+        for (int row = 0; col >= 0 && !chosen && row < selection.rows->count(); ++row) {
+            const std::string_view value =
+                valueOf(*selection.rows, static_cast<unsigned>(row), static_cast<unsigned>(col));
+            filled += value.empty() || value == "0" ? 0 : 1;
+        }
+        if (filled != 0) {
+            say("the column {} is left out, which holds values in {}", name,
+                counted(filled, "row"));
+        }
+    }
+}
+
 int saveSelection(oledb& source, const Selection& selection, const SaveTarget& place,
                   const SaveOptions& options) {
     const std::unique_ptr<oledb> table = makeTable(source, selection.columns);
@@ -73,8 +95,8 @@ int runSave(const SaveOptions& options) {
         say("{} would be replaced by a selection of it; --in-place allows that", options.output);
         return exitUsage;
     }
-    const ReplacedFile target{isOverInput(options) ? "-" : options.output};
-    if (target.standsInTheWay(options.inPlace)) {
+    const ReplacedFile target{options.output};
+    if (!isOverInput(options) && target.standsInTheWay(options.inPlace)) {
         return exitUsage;
     }
     const auto file = InputFile::open(options.file);
@@ -94,6 +116,7 @@ int runSave(const SaveOptions& options) {
         say("{}: no row is selected; nothing was written", file->name());
         return exitFindings;
     }
+    tellLeftOut(*loaded.table, *selection);
     const int code = saveSelection(*loaded.table, *selection, place, options);
     if (code != exitFailure) {
         target.tell();

@@ -5,6 +5,7 @@
 
 #include "selection.h"
 
+#include "cookieText.h"
 #include "fieldNames.h"
 #include "messages.h"
 #include "ole/oledb/dbrecord.h"
@@ -12,7 +13,6 @@
 #include "ProgressNote.h"
 #include "shownText.h"
 #include "tableValues.h"
-#include "tarn/Ascii.h"
 #include "tarn/Cookie.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/trimmed.h"
@@ -62,7 +62,7 @@ std::size_t endOfField(const oledb& table, const std::string& text) {
 
 std::optional<Condition> conditionOf(oledb& table, const std::string& text) {
     const std::size_t sign = endOfField(table, text);
-    if (sign == std::string::npos || sign + 1 == text.size()) {
+    if (sign == std::string::npos) {
         say("--where {}: should be FIELD=PATTERN", inQuotes(text));
         return std::nullopt;
     }
@@ -180,17 +180,6 @@ bool asksForCookie(const oledb& table, const Condition& condition) {
            Cookie{condition.pattern.c_str(), false}.valid();
 }
 
-/// A cookie's text in the form in which texts of it can be compared.
-std::string plainCookie(std::string_view text) {
-    std::string plain;
-    for (const char c : Tarn::trimmed(text)) {
-        if (c != '-') {
-            plain += Tarn::toLower(c);
-        }
-    }
-    return plain;
-}
-
 ODBView rowsOfCookie(oledb& table, ODBViewRep& view, const Condition& condition) {
     const std::string wanted = plainCookie(condition.pattern);
     for (unsigned row = 0; row < view.get_num_records(); ++row) {
@@ -200,7 +189,18 @@ ODBView rowsOfCookie(oledb& table, ODBViewRep& view, const Condition& condition)
     return taggedRows(table, view);
 }
 
+ODBView rowsWithoutValue(oledb& table, ODBViewRep& view, unsigned col) {
+    for (unsigned row = 0; row < view.get_num_records(); ++row) {
+        view.set_tag(row, valueOf(view, row, col).empty() ? 1 : 0);
+    }
+    return taggedRows(table, view);
+}
+
+/// The module's search has no pattern for an empty value.
 ODBView matchesOf(oledb& table, ODBViewRep& view, const Condition& condition) {
+    if (condition.pattern.empty()) {
+        return rowsWithoutValue(table, view, condition.col);
+    }
     if (asksForCookie(table, condition)) {
         return rowsOfCookie(table, view, condition);
     }
@@ -269,8 +269,8 @@ void addRowOptions(CLI::App& command, SelectionOptions& options) {
         .add_option(
             "--where", options.where,
             "Only rows whose field holds the pattern, wherever it stands, letters A to Z in "
-            "any case; ? is any byte, of which an accented letter has two. Given several times, "
-            "all must match. Of a start or end "
+            "any case; ? is any byte, of which an accented letter has two. Nothing behind the = "
+            "finds empty values. Given several times, all must match. Of a start or end "
             "field (Start time, End keycode, ...): rows whose range begins with it or "
             "holds it")
         ->allow_extra_args(false)
@@ -307,6 +307,10 @@ void addSelectionOptions(CLI::App& command, SelectionOptions& options) {
 
 std::optional<Selection> select(oledb& table, const SelectionOptions& options) {
     Wish wish;
+    if (options.descending && options.sort.empty()) {
+        sayLine("--descending needs --sort");
+        return std::nullopt;
+    }
     if (!takeConditions(table, options, wish) || !takeKeys(table, options, wish) ||
         !takeUnique(table, options, wish) || !takeColumns(table, options, wish)) {
         return std::nullopt;

@@ -71,9 +71,22 @@ std::string whyUnsavable(oledb& table, unsigned number) {
     return {};
 }
 
+namespace {
+
+/// Line feeds by a name of their own: spelled as usual one would read like a backslash and an n.
+std::string withNamedLineFeeds(std::string_view text) {
+    std::string named;
+    for (const char c : text) {
+        named += c == '\n' ? std::string{"<LF>"} : std::string{c};
+    }
+    return inQuotes(named);
+}
+
+} // namespace
+
 std::string howItChanges(std::string_view before, std::string_view after) {
-    return fmt::format("{} comes back from a table file as {}{}", inQuotes(before), inQuotes(after),
-                       whatHappens(before, after));
+    return fmt::format("{} comes back from a table file as {}{}", withNamedLineFeeds(before),
+                       withNamedLineFeeds(after), whatHappens(before, after));
 }
 
 void forChangedParameters(const oledb& saved, const oledb& loaded, const ParameterChange& tell) {

@@ -17,7 +17,7 @@ const std::vector<FindingKind>& findingKinds() {
         keyNumber,        trimmedValue,       changedValue,  parameterChanged,
         byteOrderMark,    encoding,           mixedLineEnds, sectionLine,
         filmFormat,       duplicateTitle,     tooFewValues,  noTimecode,
-        mixedPunctuation, endBeforeStart,     overlap,
+        mixedPunctuation, endBeforeStart,     overlap,       noLineEnd,
     };
     return kinds;
 }

@@ -48,6 +48,7 @@ inline constexpr FindingKind parameterChanged{"parameter-changed", Severity::Cha
 inline constexpr FindingKind byteOrderMark{"byte-order-mark", Severity::Doubtful};
 inline constexpr FindingKind encoding{"encoding", Severity::Doubtful};
 inline constexpr FindingKind mixedLineEnds{"mixed-line-ends", Severity::Doubtful};
+inline constexpr FindingKind noLineEnd{"no-line-end", Severity::Doubtful};
 inline constexpr FindingKind sectionLine{"section-line", Severity::Doubtful};
 inline constexpr FindingKind filmFormat{"film-format", Severity::Doubtful};
 inline constexpr FindingKind duplicateTitle{"duplicate-title", Severity::Doubtful};

@@ -3,6 +3,7 @@
 #include "check/LogText.h"
 
 #include "LogFile.h"
+#include "tarn/StringFunctions.h"
 
 #include <fstream>
 #include <functional>
@@ -81,6 +82,11 @@ LineEnds lineEndsOf(std::string_view text, bool crEnds) {
         }
     });
     return ends;
+}
+
+bool lacksLastEnd(std::string_view text) {
+    const std::size_t end = text.find_last_of("\r\n");
+    return !isEssentiallyEmpty(text.substr(end == std::string_view::npos ? 0 : end + 1));
 }
 
 std::vector<std::string_view> cellsOf(std::string_view line) {

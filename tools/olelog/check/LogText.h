@@ -31,6 +31,9 @@ bool crEndsLines(std::string_view text);
 /// How the lines end that `linesOf` gives.
 LineEnds lineEndsOf(std::string_view text, bool crEnds);
 
+/// Whether a text ends without a line end, in a line that holds something.
+bool lacksLastEnd(std::string_view text);
+
 /// All cells of a line, cut at every tab, empty ones at the ends included.
 std::vector<std::string_view> cellsOf(std::string_view line);
 

@@ -34,6 +34,7 @@ MendedLog makeReadable(std::string_view bytes, const std::string& encoding) {
 
 void makeWhole(MendedLog& log) {
     mendHeading(log);
+    partRows(log);
     mendTitles(log);
     mendRows(log);
 }

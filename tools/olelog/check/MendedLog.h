@@ -49,6 +49,8 @@ void mendWords(MendedLog& log);
 void mendBlankNames(MendedLog& log);
 /// Heading lines that become parameters.
 void mendHeading(MendedLog& log);
+/// Rows behind a lone CR on lines of their own.
+void partRows(MendedLog& log);
 /// Titles that go to their columns.
 void mendTitles(MendedLog& log);
 /// Rows that go under their titles.

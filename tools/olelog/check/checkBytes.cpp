@@ -5,6 +5,8 @@
 #include "messages.h"
 #include "shownText.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <fmt/format.h>
 
 namespace {
@@ -28,6 +30,37 @@ void checkLineEnds(std::string_view bytes, bool crEnds, FindingList& findings) {
                      fmt::format("lines end in different ways: {} in LF, {} in CR LF, {} in CR "
                                  "alone; programs differ in what they make of that",
                                  ends.lf, ends.crLf, ends.cr));
+    }
+}
+
+/// Where lines end in LF a CR stays in its line.
+void checkLoneCrs(std::string_view bytes, const std::vector<LogLine>& lines,
+                  FindingList& findings) {
+    const LineEnds ends = lineEndsOf(bytes, false);
+    std::ptrdiff_t crs = 0;
+    for (const LogLine& line : lines) {
+        crs += std::count(line.text.begin(), line.text.end(), '\r');
+    }
+    for (const LogLine& line : lines) {
+        if (line.text.find('\r') != std::string::npos) {
+            findings.addToGroup({}, finding::mixedLineEnds, line.number,
+                                fmt::format("the line holds a CR; what stands behind it may be a "
+                                            "row of its own: lines end in different ways, {} in "
+                                            "LF, {} in CR LF, {} in CR alone",
+                                            ends.lf, ends.crLf, crs));
+        }
+    }
+}
+
+/// A log that was cut in copying ends in the middle of a row.
+void checkLastEnd(std::string_view bytes, const std::vector<LogLine>& lines,
+                  FindingList& findings) {
+    const LogWords words = findLogWords(static_cast<unsigned>(lines.size()), [&](unsigned number) {
+        return std::string_view{lines[number - 1].text};
+    });
+    if (words.data != 0 && lines.size() > words.data && lacksLastEnd(bytes)) {
+        findings.add(finding::noLineEnd, lines.back().number,
+                     "the last row's line has no line end: the log may be cut here");
     }
 }
 
@@ -66,6 +99,8 @@ void checkBytes(std::string_view bytes, FindingList& findings) {
     const std::vector<LogLine> lines = linesOf(bytes, crEnds);
     checkMark(bytes, findings);
     checkLineEnds(bytes, crEnds, findings);
+    checkLoneCrs(bytes, lines, findings);
+    checkLastEnd(bytes, lines, findings);
     checkEncoding(lines, findings);
     checkZeroBytes(lines, findings);
 }

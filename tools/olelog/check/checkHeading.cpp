@@ -7,9 +7,8 @@
 #include "tarn/StringFunctions.h"
 #include "tarn/trimmed.h"
 
-#include <algorithm>
 #include <fmt/format.h>
-#include <map>
+#include <vector>
 
 namespace {
 
@@ -23,9 +22,6 @@ void checkFirstLine(const CheckedLog& log, FindingList& findings) {
 }
 
 void checkLines(const CheckedLog& log, FindingList& findings) {
-    for (const LogHead::OddLine& odd : log.head().oddLines) {
-        findings.add(finding::headingLine, log.number(odd.line), odd.what);
-    }
     for (unsigned line = 2; line < log.head().words.column; ++line) {
         const std::string_view text = Tarn::trimmed(log.text(line));
         if (piecesOfHeading(log.text(line)).size() == 1 &&
@@ -37,16 +33,16 @@ void checkLines(const CheckedLog& log, FindingList& findings) {
     }
 }
 
-/// Lines between the names and the rows are passed over.
+void addAll(const CheckedLog& log, const std::vector<LogHead::OddLine>& lines,
+            const FindingKind& kind, FindingList& findings) {
+    for (const LogHead::OddLine& odd : lines) {
+        findings.add(kind, log.number(odd.line), odd.what);
+    }
+}
+
 void checkUnreadLines(const CheckedLog& log, FindingList& findings) {
-    for (unsigned line = log.head().namesLine + 1; line < log.head().words.data; ++line) {
-        if (!isEssentiallyEmpty(log.text(line))) {
-            findings.addToGroup(
-                {}, finding::unreadLine, log.number(line),
-                fmt::format("{} is not read: it stands between the column names and "
-                            "\"Data\"",
-                            inQuotes(log.text(line))));
-        }
+    for (const LogHead::OddLine& odd : log.head().unreadLines) {
+        findings.addToGroup({}, finding::unreadLine, log.number(odd.line), odd.what);
     }
 }
 
@@ -58,50 +54,12 @@ void checkWord(const CheckedLog& log, unsigned line, std::string_view word, Find
     }
 }
 
-void checkFilmFormat(const CheckedLog& log, FindingList& findings) {
-    for (unsigned line = 1; line < log.head().words.data; ++line) {
-        const auto pieces = piecesOfHeading(log.text(line));
-        if (!pieces.front().starts_with("FILM_FORMAT") || pieces.size() != 2) {
-            continue;
-        }
-        std::string value{pieces[1]};
-        std::erase(value, ' ');
-        if (value != "16mm" && !value.starts_with("35mm")) {
-            findings.add(finding::filmFormat, log.number(line),
-                         fmt::format("the film format {} is read as 35 mm (F35); the import knows "
-                                     "16mm, 35mm and \"35mm, 3perf\", to the letter",
-                                     inQuotes(pieces[1])));
-        }
-    }
-}
-
 void checkDelimiter(const CheckedLog& log, FindingList& findings) {
     const bool oneTitle = log.head().columns.size() == 1 &&
                           log.head().columns.front().find_first_of(",;|") != std::string::npos;
     if (oneTitle) {
         findings.add(finding::emptyTitle, log.namesNumber(),
                      "the column names stand in one title: they should have tabs between them");
-    }
-}
-
-/// Names that stand twice, in any case: the last value counts.
-void checkRepeated(const CheckedLog& log, FindingList& findings) {
-    std::map<LightweightString<char>, std::string, StrCmpCI> values;
-    for (unsigned line = 2; line <= log.head().words.column; ++line) {
-        const auto pieces = piecesOfHeading(log.text(line));
-        if (pieces.size() != 2) {
-            continue;
-        }
-        const auto [known, isNew] =
-            values.emplace(LightweightString<char>{pieces[0]}, std::string{pieces[1]});
-        if (!isNew && known->second != pieces[1]) {
-            findings.add(finding::parameterLost, log.number(line),
-                         fmt::format("{} stands twice in the heading; its value {} takes the place "
-                                     "of {}",
-                                     inQuotes(pieces[0]), inQuotes(pieces[1]),
-                                     inQuotes(known->second)));
-            known->second = pieces[1];
-        }
     }
 }
 
@@ -133,12 +91,13 @@ void checkParameters(const CheckedLog& log, FindingList& findings) {
 
 void checkHeading(const CheckedLog& log, FindingList& findings) {
     checkFirstLine(log, findings);
+    addAll(log, log.head().oddLines, finding::headingLine, findings);
     checkLines(log, findings);
     checkWord(log, log.head().words.column, "Column", findings);
     checkWord(log, log.head().words.data, "Data", findings);
     checkUnreadLines(log, findings);
-    checkFilmFormat(log, findings);
+    addAll(log, log.head().unknownFilm, finding::filmFormat, findings);
     checkDelimiter(log, findings);
-    checkRepeated(log, findings);
+    addAll(log, log.head().repeated, finding::parameterLost, findings);
     checkParameters(log, findings);
 }

@@ -2,6 +2,7 @@
 // differs is a finding, whatever made it so.
 
 #include "check/checks.h"
+#include "importedValues.h"
 #include "messages.h"
 #include "shownText.h"
 #include "tableLosses.h"
@@ -15,16 +16,6 @@
 #include <map>
 
 namespace {
-
-constexpr std::string_view keyNumberTitle = "KN Start";
-
-/// What of a key number is no matter of form.
-std::string essence(std::string_view keyNumber) {
-    std::string kept{keyNumber};
-    std::erase_if(kept, [](char c) { return c == ' ' || c == '-' || c == '_'; });
-    std::replace(kept.begin(), kept.end(), '&', '+');
-    return kept;
-}
 
 class ValueCheck {
 public:
@@ -95,20 +86,18 @@ private:
 
     void tellChanged(std::size_t column, std::string_view value) {
         const std::string_view piece = pieces_[column];
-        if (title(column) != keyNumberTitle) {
+        const auto imported = importedValue(log_.head(), title(column), piece, value);
+        if (!imported) {
             findings_.add(finding::changedValue, line_,
                           fmt::format("{}: {}", shown(title(column)), howItChanges(piece, value)),
                           {title(column)});
             return;
         }
-        const bool whole = essence(piece) == essence(value);
-        findings_.addToGroup(title(column), whole ? finding::keyNumber : finding::keyNumberCut,
-                             line_,
-                             fmt::format("{}: {} becomes {}: key numbers are kept in 15 "
-                                         "characters{}",
-                                         shown(title(column)), inQuotes(piece), inQuotes(value),
-                                         whole ? "" : ", and this one does not fit"),
-                             {title(column)});
+        const bool isLabel =
+            log_.kept().get_fieldnum("film label_std") == log_.fieldOf(title(column));
+        const FindingKind& lost = isLabel ? finding::changedValue : finding::keyNumberCut;
+        findings_.addToGroup(title(column), imported->kept ? finding::keyNumber : lost, line_,
+                             imported->what, {title(column)});
     }
 
     const CheckedLog& log_;

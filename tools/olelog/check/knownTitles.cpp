@@ -16,8 +16,8 @@ std::string withoutBlanks(std::string_view title) {
     return compact;
 }
 
-/// Whether one slip of the keyboard makes one text the other: a character put in, taken out or
-/// changed, or two that stand in the wrong order.
+} // namespace
+
 bool isOneSlip(std::string_view a, std::string_view b) {
     while (!a.empty() && !b.empty() && Tarn::toLower(a.front()) == Tarn::toLower(b.front())) {
         a.remove_prefix(1);
@@ -32,8 +32,6 @@ bool isOneSlip(std::string_view a, std::string_view b) {
                          Tarn::toLower(a[1]) == Tarn::toLower(b[0]);
     return swapped || (a.size() <= 1 && b.size() <= 1);
 }
-
-} // namespace
 
 const std::vector<std::string>& knownTitles() {
     static const std::vector<std::string> titles{

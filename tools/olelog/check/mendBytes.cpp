@@ -111,6 +111,10 @@ MendedLog mendBytes(std::string_view bytes, const std::string& encoding) {
     const bool crEnds = crEndsLines(bytes);
     log.lines = linesOf(bytes, crEnds);
     mendLineEnds(bytes, crEnds, log);
+    if (lacksLastEnd(bytes)) {
+        log.note(finding::noLineEnd, log.lines.back().number,
+                 "a line end put behind the last line");
+    }
     removeZeroBytes(log);
     convertLines(log, encoding.empty() ? likelyEncoding(crEnds) : encoding);
     return log;

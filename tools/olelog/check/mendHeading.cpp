@@ -33,6 +33,16 @@ unsigned findWord(const MendedLog& log, std::string_view word, unsigned from, st
     return 0;
 }
 
+/// The same of a word that is misspelt by one letter.
+unsigned findSlip(const MendedLog& log, std::string_view word, unsigned from) {
+    for (unsigned number = from; number <= log.lines.size(); ++number) {
+        if (isOneSlip(Tarn::trimmed(log.lines[number - 1].text), word)) {
+            return number;
+        }
+    }
+    return 0;
+}
+
 void insertLine(MendedLog& log, unsigned before, std::string_view text) {
     const unsigned number =
         before <= log.lines.size() ? log.line(before).number : log.lines.back().number + 1;
@@ -193,11 +203,14 @@ void mendWords(MendedLog& log) {
     keepFalseWordsAside(log);
     const LogWords words = log.words();
     if (words.column == 0) {
-        spellWord(log, findWord(log, columnWord, 1, log.lines.size() + 1), columnWord);
+        const unsigned found = findWord(log, columnWord, 1, log.lines.size() + 1);
+        spellWord(log, found != 0 ? found : findSlip(log, columnWord, 1), columnWord);
     }
     const LogWords spelt = log.words();
     if (spelt.data == 0) {
-        spellWord(log, findWord(log, dataWord, spelt.column + 1, log.lines.size() + 1), dataWord);
+        const unsigned found = findWord(log, dataWord, spelt.column + 1, log.lines.size() + 1);
+        const unsigned names = spelt.column + 1; // a column may be called "Date"
+        spellWord(log, found != 0 ? found : findSlip(log, dataWord, names + 1), dataWord);
     }
     putInMissingWords(log);
 }

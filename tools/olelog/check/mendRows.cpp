@@ -14,6 +14,7 @@
 #include "tarn/trimmed.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <fmt/format.h>
 #include <set>
 
@@ -89,6 +90,27 @@ void fillRows(MendedLog& log, unsigned dataLine, std::size_t cells, std::size_t 
     }
 }
 
+/// A CR that could not be told from a line end: what stands in the line is left to a person.
+bool holdsCr(std::string_view line) {
+    return line.find('\r') != std::string_view::npos;
+}
+
+std::vector<std::string_view> partsAtCr(std::string_view line) {
+    std::vector<std::string_view> parts;
+    for (std::size_t cr = line.find('\r'); cr != std::string_view::npos; cr = line.find('\r')) {
+        parts.push_back(line.substr(0, cr));
+        line.remove_prefix(cr + 1);
+    }
+    parts.push_back(line);
+    return parts;
+}
+
+/// Whether a line has a cell for each column, and perhaps a tab at its end.
+bool isWholeRow(std::string_view line, std::size_t columns) {
+    const auto cells = cellsOf(line);
+    return cells.size() == columns || (cells.size() == columns + 1 && cells.back().empty());
+}
+
 void mendRow(MendedLog& log, LogLine& line, std::size_t columns) {
     if (line.text.front() == '\t') {
         line.text.insert(0, 1, ' ');
@@ -98,7 +120,8 @@ void mendRow(MendedLog& log, LogLine& line, std::size_t columns) {
     const auto cells = cellsOf(line.text);
     const bool endsWithTab = cells.back().empty();
     const std::size_t surplus = cells.size() - (endsWithTab ? 1U : 0U);
-    if (surplus > columns) { // all of them are empty: there is a title for each that is not
+    if (surplus > columns &&
+        !holdsCr(line.text)) { // all of them are empty: there is a title for each that is not
         line.text.resize(static_cast<std::size_t>(cells[columns - 1].data() - line.text.data()) +
                          cells[columns - 1].size());
         log.note(finding::tooManyValues, line.number,
@@ -109,6 +132,29 @@ void mendRow(MendedLog& log, LogLine& line, std::size_t columns) {
 
 } // namespace
 
+void partRows(MendedLog& log) {
+    const LogWords words = log.words();
+    const std::size_t columns =
+        words.column == 0 || words.data == 0 ? 0 : usedCells(log.line(words.column + 1).text);
+    for (std::size_t i = words.data; columns > 1 && i < log.lines.size(); ++i) {
+        const LogLine line = log.lines[i];
+        const auto parts = partsAtCr(line.text);
+        const auto isRow = [columns](std::string_view part) { return isWholeRow(part, columns); };
+        if (parts.size() < 2 || !std::all_of(parts.begin(), parts.end(), isRow)) {
+            continue;
+        }
+        const auto place = log.lines.begin() + static_cast<std::ptrdiff_t>(i);
+        std::vector<LogLine> rows;
+        for (const std::string_view part : parts) {
+            rows.push_back({std::string{part}, line.number});
+        }
+        log.lines.insert(log.lines.erase(place), rows.begin(), rows.end());
+        log.note(finding::mixedLineEnds, line.number,
+                 fmt::format("parted at its CR into {}", counted(parts.size(), "row")));
+        i += parts.size() - 1;
+    }
+}
+
 void mendTitles(MendedLog& log) {
     const LogWords words = log.words();
     if (words.column == 0 || words.data <= words.column + 1) {
@@ -117,7 +163,8 @@ void mendTitles(MendedLog& log) {
     LogLine& line = log.line(words.column + 1);
     std::size_t needed = usedCells(line.text);
     for (std::size_t number = words.data + std::size_t{1}; number <= log.lines.size(); ++number) {
-        needed = std::max(needed, usedCells(log.lines[number - 1].text));
+        const std::string& text = log.lines[number - 1].text;
+        needed = std::max(needed, holdsCr(text) ? std::size_t{0} : usedCells(text));
     }
     const auto cells = cellsOf(line.text);
     Titles titles{cells.begin(), cells.end()};

@@ -71,7 +71,9 @@ std::string whyNonsense(const ExportOptions& options, const std::string& format)
         return "--keep-fields would be lost, for " + options.output + " is FILE";
     }
     if (!options.inPlace && options.output != "-" && isTableFile(options.output)) {
-        return options.output + " is a table; --in-place allows to replace it";
+        const bool isContainer = ReplacedFile{options.output}.isContainer();
+        return options.output + (isContainer ? " is a container" : " is a table") +
+               "; --in-place allows to replace it";
     }
     if (!options.inPlace && options.output != "-" && isLogFile(options.output)) {
         return options.output + " is a log; --in-place allows to replace it";

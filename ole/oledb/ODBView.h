@@ -231,7 +231,7 @@ public:
     // -- order, copies, files --
 
     /// Sorts the index by the table's keys; tags travel along, equal entries keep their order.
-    /// Sends nothing. V log V comparisons.
+    /// Sends nothing. V log V comparisons at most; further memory as for a table.
     void sort(int dirn, int x) override;
     /// A new view on the same table; the caller owns it. Without a base view it shows what this one
     /// shows, each row once; over a base view it shows all of that. Tags are copied by position.

@@ -8,11 +8,14 @@
 #include "ole/oledb/LifeSupport.h"
 #include "ole/oledb/ODBView.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/RecordOrder.h"
 #include "ole/oledb/StableSort.h"
 #include "ole/oledb/ViewKeepAlive.h"
 
 #include <algorithm>
-#include <utility>
+#include <cstdint>
+#include <numeric>
+#include <span>
 #include <vector>
 
 namespace {
@@ -34,6 +37,16 @@ int compareRecords(dbrecord* a, dbrecord* b) {
         return 0;
     }
     return sortDirection >= 0 ? dbr_cmp(&a, &b) : dbr_backcmp(&a, &b);
+}
+
+/// The order of records of which some are missing.
+std::vector<std::uint32_t> plainOrderOf(const std::vector<dbrecord*>& records) {
+    std::vector<std::uint32_t> order(records.size());
+    std::iota(order.begin(), order.end(), 0U);
+    stableSort(order.data(), order.size(), [&records](std::uint32_t a, std::uint32_t b) {
+        return compareRecords(records[a], records[b]) < 0;
+    });
+    return order;
 }
 
 } // namespace
@@ -61,18 +74,11 @@ void ODBViewRep::sort(int dirn, int x) {
 
 /// Each record is looked up once, not once a comparison.
 void ODBViewRep::sortEntries() {
-    struct Shown {
-        IndexEntry entry;
-        dbrecord* record = nullptr;
-    };
-    const auto n = static_cast<std::size_t>(held());
-    std::vector<Shown> shown(n);
-    for (std::size_t i = 0; i < n; ++i) {
-        shown[i] = {index[i], (*this)[static_cast<int>(i)]};
+    const std::span entries{index.get(), static_cast<std::size_t>(held())};
+    std::vector<dbrecord*> records(entries.size());
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        records[i] = (*this)[static_cast<int>(i)];
     }
-    stableSort(shown.data(), n, [](const Shown& a, const Shown& b) {
-        return compareRecords(a.record, b.record) < 0;
-    });
-    std::transform(shown.begin(), shown.end(), index.get(),
-                   [](const Shown& item) { return item.entry; });
+    const bool missing = std::find(records.begin(), records.end(), nullptr) != records.end();
+    putInOrder(entries, missing ? plainOrderOf(records) : orderOf(records, sortDirection < 0));
 }

@@ -7,12 +7,15 @@
 
 #include "misc/time_def.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/RecordOrder.h"
 #include "ole/oledb/recordValue.h"
-#include "ole/oledb/StableSort.h"
+#include "ole/oledb/SortKey.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/trimmed.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -141,6 +144,18 @@ int dbr_cmp_simple(const void* a, const void* b) {
     return 0;
 }
 
+SortRules sortRulesInForce(bool descending) {
+    SortRules rules;
+    for (const int* key = cmp_fields; key && *key >= 0; ++key) {
+        rules.fields.push_back(*key);
+    }
+    rules.ignoringCase = force_normal_sort != 0 || s_off != 0;
+    rules.offset = force_normal_sort != 0 ? std::max(s_off, 0) : s_off;
+    rules.timecodeField = timecode_field;
+    rules.descending = descending;
+    return rules;
+}
+
 void oledb::set_sortfield(int col) {
     sortFieldPair_ = {col, -1};
     sortFields_ = sortFieldPair_.data();
@@ -173,9 +188,8 @@ void oledb::sortPrepare(int, int force) {
 void oledb::sort(int dir, int force) {
     sortPrepare(dir, force);
     forgetCookies();
-    const auto compare = dir >= 0 ? dbr_cmp : dbr_backcmp;
-    stableSort(rows_.data(), rows_.count(),
-               [compare](dbrecord* a, dbrecord* b) { return compare(&a, &b) < 0; });
+    const std::span rows{rows_.data(), rows_.count()};
+    putInOrder(rows, orderOf(rows, dir < 0));
     if (showTagsOnly_ != 0) {
         index_tags();
     }

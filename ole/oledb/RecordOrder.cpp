@@ -1,0 +1,243 @@
+// Sorting records by keys that are written once.
+//
+// What is moved are entries of 16 bytes: a record's position and eight bytes of its key. They are
+// sorted by those alone; those that agree there get their next eight bytes and are sorted again,
+// and so on to the end of the key. Large groups are dealt by the bytes in which they differ, small
+// ones are compared.
+
+#include "ole/oledb/RecordOrder.h"
+
+#include "ole/oledb/dbrecord.h"
+#include "ole/oledb/dbsort.h"
+#include "ole/oledb/SortKey.h"
+#include "ole/oledb/StableSort.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <memory>
+#include <numeric>
+#include <utility>
+
+namespace {
+
+using Compare = int (*)(const void*, const void*);
+
+/// Groups up to this size are compared, larger ones dealt by bytes.
+constexpr std::size_t mostCompared = 512;
+
+struct Entry {
+    std::uint64_t word;
+    std::uint32_t position;
+    std::uint32_t more; ///< where the further words of the key begin
+};
+
+using Entries = std::span<Entry>;
+
+class KeySort {
+public:
+    KeySort(std::span<dbrecord* const> records, bool descending)
+        : records_{records}, compare_{descending ? dbr_backcmp : dbr_cmp},
+          entries_{std::make_unique_for_overwrite<Entry[]>(records.size())},
+          lengths_(records.size()) {
+        writeKeys(sortRulesInForce(descending));
+    }
+
+    std::vector<std::uint32_t> order() {
+        const Entries all{entries_.get(), records_.size()};
+        if (!isInOrder(all)) {
+            if (all.size() > mostCompared) {
+                dealt_ = std::make_unique_for_overwrite<Entry[]>(all.size());
+            }
+            sort(all, 0);
+        }
+        std::vector<std::uint32_t> positions(all.size());
+        std::transform(all.begin(), all.end(), positions.begin(),
+                       [](const Entry& entry) { return entry.position; });
+        comco = static_cast<int>(static_cast<unsigned>(comco) + comparisons_);
+        return positions;
+    }
+
+private:
+    /// A key's length in words, and whether it was cut.
+    struct Length {
+        std::uint8_t words;
+        bool cut;
+    };
+
+    void writeKeys(const SortRules& rules);
+    [[nodiscard]] Length lengthOf(const Entry& entry) const { return lengths_[entry.position]; }
+    int compareRecords(const Entry& a, const Entry& b) const;
+    int compare(const Entry& a, const Entry& b);
+    bool isInOrder(Entries entries);
+    void sort(Entries entries, std::size_t depth);
+    void sortByWord(Entries entries);
+    void sortEqual(Entries entries, std::size_t depth);
+    void deal(Entries entries, std::uint64_t varied);
+
+    std::span<dbrecord* const> records_;
+    Compare compare_;
+    std::unique_ptr<Entry[]> entries_;
+    std::unique_ptr<Entry[]> dealt_;
+    std::vector<Length> lengths_;
+    std::vector<std::uint64_t> moreWords_;
+    unsigned comparisons_ = 0; // goes round, as `comco` does
+};
+
+/// Asks for the memory of the records that come next, and of their values: each step on the way to
+/// a text waits for the memory otherwise.
+class Ahead {
+public:
+    Ahead(std::span<dbrecord* const> records, const SortRules& rules)
+        : records_{records}, rules_{rules} {}
+
+    void reach(std::size_t at) const noexcept {
+        if (at + 3 * step < records_.size()) {
+            __builtin_prefetch(records_[at + 3 * step]);
+            for (const int field : rules_.fields) {
+                __builtin_prefetch(&valueOf(at + 2 * step, field));
+                __builtin_prefetch(valueOf(at + step, field).c_str());
+            }
+        }
+    }
+
+private:
+    static constexpr std::size_t step = 8;
+
+    [[nodiscard]] const LightweightString<char>& valueOf(std::size_t at, int field) const noexcept {
+        return records_[at]->getField(static_cast<unsigned short>(field));
+    }
+
+    std::span<dbrecord* const> records_;
+    const SortRules& rules_;
+};
+
+void KeySort::writeKeys(const SortRules& rules) {
+    const Ahead ahead{records_, rules};
+    SortKey key{rules};
+    for (std::uint32_t i = 0; i < records_.size(); ++i) {
+        ahead.reach(i);
+        key.write(*records_[i]);
+        entries_[i] = {key.word(0), i, static_cast<std::uint32_t>(moreWords_.size())};
+        lengths_[i] = {static_cast<std::uint8_t>(key.words()), key.cut()};
+        for (std::size_t word = 1; word < key.words(); ++word) {
+            moreWords_.push_back(key.word(word));
+        }
+    }
+}
+
+int KeySort::compareRecords(const Entry& a, const Entry& b) const {
+    return compare_(&records_[a.position], &records_[b.position]);
+}
+
+/// Compares entries that hold the first words of their keys.
+int KeySort::compare(const Entry& a, const Entry& b) {
+    ++comparisons_;
+    if (a.word != b.word) {
+        return a.word < b.word ? -1 : 1;
+    }
+    const Length length = lengthOf(a); // b's as well, where they agree so far
+    for (std::size_t i = 0; i + 1U < length.words; ++i) {
+        const std::uint64_t wordOfA = moreWords_[a.more + i];
+        const std::uint64_t wordOfB = moreWords_[b.more + i];
+        if (wordOfA != wordOfB) {
+            return wordOfA < wordOfB ? -1 : 1;
+        }
+    }
+    return length.cut ? compareRecords(a, b) : 0;
+}
+
+/// Tables are often sorted as they stand already.
+bool KeySort::isInOrder(Entries entries) {
+    return std::adjacent_find(entries.begin(), entries.end(),
+                              [this](const Entry& a, const Entry& b) {
+                                  return compare(a, b) > 0;
+                              }) == entries.end();
+}
+
+void KeySort::sort(Entries entries, std::size_t depth) {
+    sortByWord(entries);
+    for (auto first = entries.begin(); first != entries.end();) {
+        const auto end = std::find_if(first + 1, entries.end(), [first](const Entry& entry) {
+            return entry.word != first->word;
+        });
+        if (end - first > 1) {
+            sortEqual({first, end}, depth);
+        }
+        first = end;
+    }
+}
+
+/// Sorts entries whose keys agree up to and including a depth, and so are as long as one another
+/// where they end here.
+void KeySort::sortEqual(Entries entries, std::size_t depth) {
+    const Length length = lengthOf(entries.front());
+    if (depth + 1 < length.words) {
+        for (Entry& entry : entries) {
+            entry.word = moreWords_[entry.more + depth];
+        }
+        sort(entries, depth + 1);
+    } else if (length.cut) {
+        stableSort(entries.data(), entries.size(),
+                   [this](const Entry& a, const Entry& b) { return compareRecords(a, b) < 0; });
+    }
+}
+
+void KeySort::sortByWord(Entries entries) {
+    if (entries.size() <= mostCompared) {
+        // Entries that agree so far stand by their positions, which keeps the order of equal ones.
+        std::sort(entries.begin(), entries.end(), [this](const Entry& a, const Entry& b) {
+            ++comparisons_;
+            return a.word != b.word ? a.word < b.word : a.position < b.position;
+        });
+        return;
+    }
+    std::uint64_t varied = 0;
+    for (const Entry& entry : entries) {
+        varied |= entry.word ^ entries.front().word;
+    }
+    deal(entries, varied);
+}
+
+/// Deals entries into 256 heaps by each byte in which they differ, the least one first.
+void KeySort::deal(Entries entries, std::uint64_t varied) {
+    Entry* from = entries.data();
+    Entry* to = dealt_.get();
+    for (unsigned shift = 0; shift < 64; shift += 8) {
+        if ((varied >> shift & 0xFF) == 0) {
+            continue;
+        }
+        std::array<std::size_t, 256> ends{};
+        const std::span dealing{from, entries.size()};
+        for (const Entry& entry : dealing) {
+            ++ends[entry.word >> shift & 0xFF];
+        }
+        std::exclusive_scan(ends.begin(), ends.end(), ends.begin(), std::size_t{0});
+        for (const Entry& entry : dealing) {
+            to[ends[entry.word >> shift & 0xFF]++] = entry;
+        }
+        std::swap(from, to);
+    }
+    if (from != entries.data()) {
+        std::copy_n(from, entries.size(), entries.data());
+    }
+}
+
+/// The same by the comparison alone, for more records than entries can number.
+std::vector<std::uint32_t> plainOrderOf(std::span<dbrecord* const> records, bool descending) {
+    const Compare compare = descending ? dbr_backcmp : dbr_cmp;
+    std::vector<std::uint32_t> positions(records.size());
+    std::iota(positions.begin(), positions.end(), 0U);
+    stableSort(positions.data(), positions.size(), [&](std::uint32_t a, std::uint32_t b) {
+        return compare(&records[a], &records[b]) < 0;
+    });
+    return positions;
+}
+
+} // namespace
+
+std::vector<std::uint32_t> orderOf(std::span<dbrecord* const> records, bool descending) {
+    constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max() / SortKey::mostWords;
+    return records.size() > most ? plainOrderOf(records, descending)
+                                 : KeySort{records, descending}.order();
+}

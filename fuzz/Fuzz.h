@@ -3,6 +3,7 @@
 // What every fuzzer shares: libraries' messages swallowed, files in a folder that is kept from one
 // input to the next. Checks are those of GoogleTest; a failed one ends the program.
 
+#include "MemoryCheck.h"
 #include "support/Captured.h"
 #include "support/Random.h"
 #include "support/Tables.h"

@@ -12,6 +12,16 @@
 
 namespace {
 
+// Each is read in place and written into a short text. Fixed: the C library reads the time zone.
+constexpr Bounds reading{.live = {8'000, 2}, .sum = {8'000, 4}, .blocks = {16, 0}};
+
+void checkMemory(const std::string& text) {
+    const char* const s = text.c_str();
+    within(reading, text.size(), [=] { return Cookie{s, false}.asString(true); });
+    within(reading, text.size(), [=] { return time_def{s, LABEL_TIMECODE}.get_database_str(); });
+    within(reading, text.size(), [=] { return date_def{s}.get_all(0); });
+}
+
 bool isHex(char c) {
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
@@ -72,6 +82,7 @@ void checkDate(const std::string& text) {
 
 void fuzz(std::string_view input) {
     const std::string text{input.substr(0, std::min<std::size_t>(input.find('\0'), 200))};
+    checkMemory(text);
     checkCookie(text);
     checkTime(text);
     checkDate(text);

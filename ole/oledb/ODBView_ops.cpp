@@ -79,15 +79,18 @@ int ODBViewRep::tagMatches(int keep) {
 }
 
 int ODBViewRep::tagDuplicatesOrdered(int field) {
-    int last = 0;
+    if (!source()) {
+        return 0;
+    }
     int duplicates = 0;
-    for (int i = 1; source() && i < numIndex; ++i) {
-        const char* const first = get_field(static_cast<unsigned>(last), field);
-        if (compareIgnoringCase(first, get_field(static_cast<unsigned>(i), field)) == 0) {
+    const char* first = get_field(0, field);
+    for (int i = 1; i < numIndex; ++i) {
+        const char* const text = get_field(static_cast<unsigned>(i), field);
+        if (compareIgnoringCase(first, text) == 0) {
             set_tag(static_cast<unsigned>(i), 1);
             ++duplicates;
         } else {
-            last = i;
+            first = text;
         }
     }
     return duplicates;

@@ -5,6 +5,7 @@
 // consistent order; the sort is safe with that.
 
 #include "ole/oledb/dbsort.h"
+#include "ole/oledb/LargeVector.h"
 #include "ole/oledb/LifeSupport.h"
 #include "ole/oledb/ODBView.h"
 #include "ole/oledb/oledb.h"
@@ -16,7 +17,6 @@
 #include <cstdint>
 #include <numeric>
 #include <span>
-#include <vector>
 
 namespace {
 
@@ -40,8 +40,8 @@ int compareRecords(dbrecord* a, dbrecord* b) {
 }
 
 /// The order of records of which some are missing.
-std::vector<std::uint32_t> plainOrderOf(const std::vector<dbrecord*>& records) {
-    std::vector<std::uint32_t> order(records.size());
+LargeVector<std::uint32_t> plainOrderOf(const LargeVector<dbrecord*>& records) {
+    LargeVector<std::uint32_t> order(records.size());
     std::iota(order.begin(), order.end(), 0U);
     stableSort(order.data(), order.size(), [&records](std::uint32_t a, std::uint32_t b) {
         return compareRecords(records[a], records[b]) < 0;
@@ -75,7 +75,7 @@ void ODBViewRep::sort(int dirn, int x) {
 /// Each record is looked up once, not once a comparison.
 void ODBViewRep::sortEntries() {
     const std::span entries{index.get(), static_cast<std::size_t>(held())};
-    std::vector<dbrecord*> records(entries.size());
+    LargeVector<dbrecord*> records(entries.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
         records[i] = (*this)[static_cast<int>(i)];
     }

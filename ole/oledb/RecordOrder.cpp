@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <memory>
 #include <numeric>
 #include <utility>
 
@@ -25,6 +24,9 @@ using Compare = int (*)(const void*, const void*);
 
 /// Groups up to this size are compared, larger ones dealt by bytes.
 constexpr std::size_t mostCompared = 512;
+
+/// After so many keys the others are taken to be as long.
+constexpr std::size_t sample = 1024;
 
 struct Entry {
     std::uint64_t word;
@@ -37,21 +39,20 @@ using Entries = std::span<Entry>;
 class KeySort {
 public:
     KeySort(std::span<dbrecord* const> records, bool descending)
-        : records_{records}, compare_{descending ? dbr_backcmp : dbr_cmp},
-          entries_{std::make_unique_for_overwrite<Entry[]>(records.size())},
+        : records_{records}, compare_{descending ? dbr_backcmp : dbr_cmp}, entries_(records.size()),
           lengths_(records.size()) {
         writeKeys(sortRulesInForce(descending));
     }
 
-    std::vector<std::uint32_t> order() {
-        const Entries all{entries_.get(), records_.size()};
+    LargeVector<std::uint32_t> order() {
+        const Entries all{entries_};
         if (!isInOrder(all)) {
             if (all.size() > mostCompared) {
-                dealt_ = std::make_unique_for_overwrite<Entry[]>(all.size());
+                dealt_.resize(all.size());
             }
             sort(all, 0);
         }
-        std::vector<std::uint32_t> positions(all.size());
+        LargeVector<std::uint32_t> positions(all.size());
         std::transform(all.begin(), all.end(), positions.begin(),
                        [](const Entry& entry) { return entry.position; });
         comco = static_cast<int>(static_cast<unsigned>(comco) + comparisons_);
@@ -77,10 +78,10 @@ private:
 
     std::span<dbrecord* const> records_;
     Compare compare_;
-    std::unique_ptr<Entry[]> entries_;
-    std::unique_ptr<Entry[]> dealt_;
-    std::vector<Length> lengths_;
-    std::vector<std::uint64_t> moreWords_;
+    LargeVector<Entry> entries_;
+    LargeVector<Entry> dealt_;
+    LargeVector<Length> lengths_;
+    LargeVector<std::uint64_t> moreWords_;
     unsigned comparisons_ = 0; // goes round, as `comco` does
 };
 
@@ -115,7 +116,11 @@ private:
 void KeySort::writeKeys(const SortRules& rules) {
     const Ahead ahead{records_, rules};
     SortKey key{rules};
+    moreWords_.reserve(3 * std::min(sample, records_.size()));
     for (std::uint32_t i = 0; i < records_.size(); ++i) {
+        if (i == sample) {
+            moreWords_.reserve((moreWords_.size() + sample / 8) * records_.size() / sample);
+        }
         ahead.reach(i);
         key.write(*records_[i]);
         entries_[i] = {key.word(0), i, static_cast<std::uint32_t>(moreWords_.size())};
@@ -202,7 +207,7 @@ void KeySort::sortByWord(Entries entries) {
 /// Deals entries into 256 heaps by each byte in which they differ, the least one first.
 void KeySort::deal(Entries entries, std::uint64_t varied) {
     Entry* from = entries.data();
-    Entry* to = dealt_.get();
+    Entry* to = dealt_.data();
     for (unsigned shift = 0; shift < 64; shift += 8) {
         if ((varied >> shift & 0xFF) == 0) {
             continue;
@@ -224,9 +229,9 @@ void KeySort::deal(Entries entries, std::uint64_t varied) {
 }
 
 /// The same by the comparison alone, for more records than entries can number.
-std::vector<std::uint32_t> plainOrderOf(std::span<dbrecord* const> records, bool descending) {
+LargeVector<std::uint32_t> plainOrderOf(std::span<dbrecord* const> records, bool descending) {
     const Compare compare = descending ? dbr_backcmp : dbr_cmp;
-    std::vector<std::uint32_t> positions(records.size());
+    LargeVector<std::uint32_t> positions(records.size());
     std::iota(positions.begin(), positions.end(), 0U);
     stableSort(positions.data(), positions.size(), [&](std::uint32_t a, std::uint32_t b) {
         return compare(&records[a], &records[b]) < 0;
@@ -236,7 +241,7 @@ std::vector<std::uint32_t> plainOrderOf(std::span<dbrecord* const> records, bool
 
 } // namespace
 
-std::vector<std::uint32_t> orderOf(std::span<dbrecord* const> records, bool descending) {
+LargeVector<std::uint32_t> orderOf(std::span<dbrecord* const> records, bool descending) {
     constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max() / SortKey::mostWords;
     return records.size() > most ? plainOrderOf(records, descending)
                                  : KeySort{records, descending}.order();

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "ole/oledb/LargeVector.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 class dbrecord;
 
@@ -11,14 +12,13 @@ class dbrecord;
 /// comes there. Equal records keep their order. None of the records may be null. Adds the
 /// comparisons made to `comco`, at least one for two or more records.
 ///
-/// n log n at worst; up to 100 bytes a record of further memory, mostly half of that, freed but for
-/// four at the end.
-std::vector<std::uint32_t> orderOf(std::span<dbrecord* const> records, bool descending);
+/// n log n at worst; some 60 bytes a record of further memory, and never more than 94.
+LargeVector<std::uint32_t> orderOf(std::span<dbrecord* const> records, bool descending);
 
 /// Moves items to their places in an order.
 template <class T>
-void putInOrder(std::span<T> items, const std::vector<std::uint32_t>& order) {
-    std::vector<T> moved;
+void putInOrder(std::span<T> items, const LargeVector<std::uint32_t>& order) {
+    LargeVector<T> moved;
     moved.reserve(items.size());
     for (const std::uint32_t position : order) {
         moved.push_back(items[position]);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tarn/export.h"
+
 #include <cstddef>
 
 // Memory for much at once, straight from the system and straight back to it. Where the system has
@@ -13,9 +15,9 @@ inline constexpr std::size_t largePage = std::size_t{2} * 1024 * 1024;
 
 /// Memory that holds zeros, aligned to a large page. Throws std::bad_alloc when there is none.
 /// Constant time; pages are filled at their first touch. Any thread may call it.
-void* take(std::size_t bytes);
+TARN_API void* take(std::size_t bytes);
 
 /// Gives back what `take(bytes)` returned.
-void give(void* memory, std::size_t bytes) noexcept;
+TARN_API void give(void* memory, std::size_t bytes) noexcept;
 
 } // namespace Tarn::PageMemory

@@ -109,14 +109,22 @@ protected:
             EXPECT_TRUE(saved);
         }
     }
-    void killAt(const Fault& fault) {
-        const pid_t child = fork();
-        if (child == 0) {
-            saveWith(fault);
-            _exit(0);
+    /// What makes a save safe: the bytes and then the new name reach the disk, and a file keeps its
+    /// rights and, where another may be given, its owner.
+    static void expectAllSafetyIn(const State& calm, bool exists) {
+        const auto seen = [&](Call call) { return calm.calls[static_cast<std::size_t>(call)]; };
+        for (const Call call : {Call::Open, Call::Write, Call::Close, Call::Rename}) {
+            EXPECT_GE(seen(call), 1U) << callNames[static_cast<std::size_t>(call)];
         }
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_GE(seen(Call::Flush), 2U) << "the file and its folder";
+        EXPECT_GE(seen(Call::Mode), exists ? 1U : 0U);
+        EXPECT_GE(seen(Call::Owner), exists && geteuid() == 0 ? 1U : 0U);
+    }
+    void killAt(const Fault& fault) {
+        const int status = statusOf(startChild([&] {
+            saveWith(fault);
+            return 0;
+        }));
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
     }
 
@@ -130,6 +138,7 @@ TEST_P(SystemFault, AtEachCall) {
         prepare(exists);
         const State calm = saveWith({});
         ASSERT_TRUE(told_ && holds(1));
+        expectAllSafetyIn(calm, exists);
         unsigned tried = 0;
         std::printf("[  FAULTS  ] %s, %s:", GetParam().name, exists ? "over a file" : "no file");
         for (std::size_t i = 0; i < calm.calls.size(); ++i) {

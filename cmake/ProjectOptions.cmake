@@ -6,6 +6,8 @@
 option(OLE_WERROR "Treat compiler warnings as errors" ON)
 set(OLE_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. \"address;undefined\"")
 
+option(OLE_BLOCKS_ALONE "Allocate every string and row on its own: for valgrind" OFF)
+
 add_library(ole_flags INTERFACE)
 
 set(OLE_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
@@ -18,6 +20,10 @@ if(OLE_WERROR)
 endif()
 target_compile_options(ole_flags INTERFACE ${OLE_WARNINGS})
 target_compile_definitions(ole_flags INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+
+if(OLE_BLOCKS_ALONE)
+  target_compile_definitions(ole_flags INTERFACE TARN_BLOCKS_ALONE)
+endif()
 
 if(OLE_SANITIZE)
   string(REPLACE ";" "," sanitizers "${OLE_SANITIZE}")

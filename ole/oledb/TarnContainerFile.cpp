@@ -195,8 +195,10 @@ void TarnContainerFile::Writer::save(const LightweightString<wchar_t>& path) {
     }
     table_.save_text();
     // Saving leaves a whole file or none. The move replaces in one step: a crash never finds both
-    // names empty.
-    if (!OS().copyPermissions(path, beside) || !OS().moveFile(beside, path, 1)) {
+    // names empty. Where somebody took the old file away meanwhile, there are no permissions to
+    // keep.
+    const bool alike = OS().copyPermissions(path, beside) || !OS().isRegularFile(path);
+    if (!alike || !OS().moveFile(beside, path, 1)) {
         OS().removeFile(beside);
     }
 }

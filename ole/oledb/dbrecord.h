@@ -57,6 +57,9 @@ public:
     static void operator delete(void* record, std::size_t bytes) noexcept {
         Tarn::BlockMemory::release(record, bytes);
     }
+    /// In memory of the caller's.
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void*, void*) noexcept {}
 
     /// Stores a text in slot i and returns 1; 0 when i is negative or not below `size`. Null stores
     /// as "". With `skipBlanks`, leading ASCII white space is dropped. A text that comes out empty

@@ -76,25 +76,17 @@ bool OperatingSystem::removeFile(const LightweightString<wchar_t>& path) noexcep
     }
 }
 
-bool OperatingSystem::isRegularFile(const LightweightString<wchar_t>& path) noexcept {
-    try {
-        struct stat found {};
-        return stat(pathToBytes(path).c_str(), &found) == 0 && S_ISREG(found.st_mode);
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+bool OperatingSystem::isRegularFile(const LightweightString<wchar_t>& path) {
+    struct stat found {};
+    return stat(pathToBytes(path).c_str(), &found) == 0 && S_ISREG(found.st_mode);
 }
 
 bool OperatingSystem::copyPermissions(const LightweightString<wchar_t>& from,
-                                      const LightweightString<wchar_t>& to) noexcept {
-    try {
-        struct stat model {};
-        const FileDescriptor file = openFile(pathToBytes(to).c_str(), O_RDONLY);
-        return file.isOpen() && stat(pathToBytes(from).c_str(), &model) == 0 &&
-               Tarn::copyPermissions(file.get(), model);
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+                                      const LightweightString<wchar_t>& to) {
+    struct stat model {};
+    const FileDescriptor file = openFile(pathToBytes(to).c_str(), O_RDONLY);
+    return file.isOpen() && stat(pathToBytes(from).c_str(), &model) == 0 &&
+           Tarn::copyPermissions(file.get(), model);
 }
 
 bool OperatingSystem::moveFile(const LightweightString<wchar_t>& from,

@@ -16,12 +16,13 @@ public:
     void* reallocate(void* block, std::size_t bytes);
     /// Removes a file, not a folder; false when that fails, also when there is none.
     bool removeFile(const LightweightString<wchar_t>& path) noexcept;
-    /// Whether a regular file stands at the path, or where a link there leads to.
-    bool isRegularFile(const LightweightString<wchar_t>& path) noexcept;
+    /// Whether a regular file stands at the path, or where a link there leads to. Throws
+    /// std::bad_alloc rather than answer without having looked.
+    bool isRegularFile(const LightweightString<wchar_t>& path);
     /// Gives a file the permissions of another, and its owner where the system lets us; false when
-    /// that fails.
+    /// that fails. Throws std::bad_alloc.
     bool copyPermissions(const LightweightString<wchar_t>& from,
-                         const LightweightString<wchar_t>& to) noexcept;
+                         const LightweightString<wchar_t>& to);
     /// Moves a file within a file system; false when that fails. With `replace` 0 an existing file
     /// at `to` is left alone and the result is false; otherwise it is replaced in one step.
     bool moveFile(const LightweightString<wchar_t>& from, const LightweightString<wchar_t>& to,

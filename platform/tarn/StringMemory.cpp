@@ -26,6 +26,7 @@ struct Chunk {
     int live;
     int given;
     std::size_t used;
+    std::size_t bytes;
 };
 
 std::atomic<std::size_t> held{0};
@@ -45,20 +46,31 @@ void giveToSystem(void* memory, std::size_t bytes) noexcept {
     ::operator delete(memory);
 }
 
-void open(Chunk* chunk) noexcept {
-    ::new (chunk) Chunk{lead, 0, sizeof(Chunk)};
+Chunk* open(void* memory, std::size_t bytes) noexcept {
+    return ::new (memory) Chunk{lead, 0, sizeof(Chunk), bytes};
 }
 
 Chunk* newChunk() {
-    auto* const chunk = static_cast<Chunk*>(ChunkMemory::take());
+    void* const memory = ChunkMemory::take();
     held.fetch_add(chunkBytes, std::memory_order_relaxed);
-    open(chunk);
-    return chunk;
+    return open(memory, chunkBytes);
+}
+
+/// A chunk that holds one block alone.
+Chunk* newChunkFor(std::size_t block) {
+    const std::size_t bytes = sizeof(Chunk) + block;
+    void* const memory = ::operator new (bytes, std::align_val_t{ChunkMemory::alignment});
+    held.fetch_add(bytes, std::memory_order_relaxed);
+    return open(memory, bytes);
 }
 
 void deleteChunk(Chunk* chunk) noexcept {
-    held.fetch_sub(chunkBytes, std::memory_order_relaxed);
-    ChunkMemory::give(chunk);
+    held.fetch_sub(chunk->bytes, std::memory_order_relaxed);
+    if (chunk->bytes == chunkBytes) {
+        ChunkMemory::give(chunk);
+    } else {
+        ::operator delete (chunk, std::align_val_t{ChunkMemory::alignment});
+    }
 }
 
 /// Takes n from the chunk's count; true when nothing is left in it.
@@ -110,9 +122,9 @@ void followThreadEnd() {
     thread_local const ThreadEnd end;
 }
 
-/// A chunk for one block alone, for strings that are made while the thread's own objects die.
+/// For strings that are made while the thread's own objects die.
 void* cutAlone(std::size_t bytes) {
-    Chunk* const chunk = newChunk();
+    Chunk* const chunk = newChunkFor(bytes);
     void* const block = cut(chunk, bytes);
     leave(chunk);
     return block;
@@ -123,7 +135,7 @@ void* cutFromNext(std::size_t bytes) {
         return cutAlone(bytes);
     }
     if (current && allBlocksDied(current)) {
-        open(current);
+        open(current, chunkBytes);
         return cut(current, bytes);
     }
     Chunk* const next = newChunk();

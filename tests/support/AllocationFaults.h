@@ -1,10 +1,12 @@
 #pragma once
 
 // Allocations that fail at a chosen place, and a count of the blocks that live. The operators of
-// the whole program are replaced, and so are the module's own sources of memory, whose texts
-// otherwise share large blocks: one source of a program includes this.
+// the whole program are replaced, and so are the module's own sources of memory, whose texts and
+// rows otherwise share large blocks: one source of a program includes this.
 
 #include "misc/OS.h"
+#include "tarn/BlockMemory.h"
+#include "tarn/PageMemory.h"
 #include "tarn/StringMemory.h"
 
 #include <cstdlib>
@@ -18,14 +20,18 @@ struct State {
     unsigned long failing = 0; ///< the number of the one that fails, from 1; 0 for none
     bool armed = false;
     bool struck = false;
-    bool inStrings = false; ///< their blocks are counted, not the chunks below
+    bool inside = false;    ///< a source of memory: its blocks are counted, not the chunks below
+    unsigned long rows = 0; ///< of those seen: blocks of rows
+    unsigned long pages = 0;
+    unsigned long failingPage = 0; ///< the same among large pages
     long live = 0;
 };
 inline State state;
 
-inline void arm(unsigned long failing) {
-    state.seen = 0;
+inline void arm(unsigned long failing, unsigned long failingPage = 0) {
+    state.seen = state.rows = state.pages = 0;
     state.failing = failing;
+    state.failingPage = failingPage;
     state.struck = false;
     state.armed = true;
 }
@@ -37,8 +43,9 @@ inline void resume() {
 }
 
 /// Counts an allocation; whether it is the one that fails.
-inline bool strikes() {
-    const bool chosen = state.armed && ++state.seen == state.failing;
+inline bool strikes(bool page = false) {
+    const bool pageChosen = page && state.armed && ++state.pages == state.failingPage;
+    const bool chosen = pageChosen || (state.armed && ++state.seen == state.failing);
     state.struck = state.struck || chosen;
     return chosen;
 }
@@ -49,7 +56,7 @@ inline void* take(std::size_t bytes, std::size_t alignment) noexcept {
     }
     const std::size_t size = (bytes + alignment) / alignment * alignment; // never 0
     void* const block = alignment == 1 ? std::malloc(size) : std::aligned_alloc(alignment, size);
-    state.live += block && !state.inStrings ? 1 : 0;
+    state.live += block && !state.inside ? 1 : 0;
     return block;
 }
 inline void* takeOrThrow(std::size_t bytes, std::size_t alignment) {
@@ -57,7 +64,7 @@ inline void* takeOrThrow(std::size_t bytes, std::size_t alignment) {
     return block ? block : throw std::bad_alloc{};
 }
 inline void giveBack(void* block) noexcept {
-    state.live -= block && !state.inStrings ? 1 : 0;
+    state.live -= block && !state.inside ? 1 : 0;
     std::free(block);
 }
 
@@ -65,6 +72,36 @@ inline void giveBack(void* block) noexcept {
 template <class Function>
 Function* original(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+/// While a source of memory works.
+class Inside {
+public:
+    Inside() { state.inside = true; }
+    Inside(const Inside&) = delete;
+    Inside& operator=(const Inside&) = delete;
+    ~Inside() { state.inside = outer_; }
+
+private:
+    bool outer_ = state.inside;
+};
+
+template <class Source>
+void* takeFrom(Source source, std::size_t bytes, bool page = false) {
+    if (strikes(page)) {
+        throw std::bad_alloc{};
+    }
+    const bool counts = !state.inside;
+    const Inside inside;
+    void* const block = source(bytes);
+    state.live += counts ? 1 : 0;
+    return block;
+}
+template <class Source>
+void giveTo(Source source, void* block, std::size_t bytes) noexcept {
+    state.live -= block && !state.inside ? 1 : 0;
+    const Inside inside;
+    source(block, bytes);
 }
 
 } // namespace allocations
@@ -91,28 +128,35 @@ void operator delete[](void* p, std::size_t, std::align_val_t) noexcept { alloca
 void* Tarn::StringMemory::allocate(std::size_t bytes) {
     static auto* const system =
         allocations::original<void*(std::size_t)>("_ZN4Tarn12StringMemory8allocateEm");
-    if (allocations::strikes()) {
-        throw std::bad_alloc{};
-    }
-    allocations::state.inStrings = true;
-    try {
-        void* const block = system(bytes);
-        allocations::state.inStrings = false;
-        ++allocations::state.live;
-        return block;
-    } catch (...) {
-        allocations::state.inStrings = false;
-        throw;
-    }
+    return allocations::takeFrom(system, bytes);
 }
-
 void Tarn::StringMemory::release(void* block, std::size_t bytes) noexcept {
     static auto* const system =
         allocations::original<void(void*, std::size_t)>("_ZN4Tarn12StringMemory7releaseEPvm");
-    allocations::state.inStrings = true;
-    system(block, bytes);
-    allocations::state.inStrings = false;
-    --allocations::state.live;
+    allocations::giveTo(system, block, bytes);
+}
+
+void* Tarn::BlockMemory::allocate(std::size_t bytes) {
+    static auto* const system =
+        allocations::original<void*(std::size_t)>("_ZN4Tarn11BlockMemory8allocateEm");
+    allocations::state.rows += allocations::state.armed ? 1 : 0;
+    return allocations::takeFrom(system, bytes);
+}
+void Tarn::BlockMemory::release(void* block, std::size_t bytes) noexcept {
+    static auto* const system =
+        allocations::original<void(void*, std::size_t)>("_ZN4Tarn11BlockMemory7releaseEPvm");
+    allocations::giveTo(system, block, bytes);
+}
+
+void* Tarn::PageMemory::take(std::size_t bytes) {
+    static auto* const system =
+        allocations::original<void*(std::size_t)>("_ZN4Tarn10PageMemory4takeEm");
+    return allocations::takeFrom(system, bytes, true);
+}
+void Tarn::PageMemory::give(void* block, std::size_t bytes) noexcept {
+    static auto* const system =
+        allocations::original<void(void*, std::size_t)>("_ZN4Tarn10PageMemory4giveEPvm");
+    allocations::giveTo(system, block, bytes);
 }
 
 void* Tarn::OperatingSystem::reallocate(void* block, std::size_t bytes) {

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <system_error>
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size);
 
@@ -14,10 +15,17 @@ namespace {
 
 int replayed = 0;
 
+/// What cannot be read throws: taken as an empty input, it would pass.
+std::string bytesOf(const std::filesystem::path& path) {
+    std::ifstream file;
+    file.exceptions(std::ios::failbit | std::ios::badbit);
+    file.open(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>{file}, {}};
+}
+
 void replay(const std::filesystem::path& path) {
     std::fprintf(stderr, "%s\n", path.c_str());
-    std::ifstream file{path, std::ios::binary};
-    const std::string bytes{std::istreambuf_iterator<char>{file}, {}};
+    const std::string bytes = bytesOf(path);
     LLVMFuzzerTestOneInput(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
     ++replayed;
 }
@@ -37,8 +45,9 @@ void replayAll(const std::filesystem::path& path) {
 } // namespace
 
 /// usage: replay_NAME PATH...; a path is a file, a folder, or $VARIABLE of the environment, passed
-/// over where that is not set. Exit status 2 where there is nothing to run.
-int main(int argc, char** argv) {
+/// over where that is not set. Exit status 2 where there is nothing to run or a path cannot be
+/// read.
+int main(int argc, char** argv) try {
     for (int i = 1; i < argc; ++i) {
         const char* const path = argv[i][0] == '$' ? std::getenv(argv[i] + 1) : argv[i];
         if (path) {
@@ -47,4 +56,7 @@ int main(int argc, char** argv) {
     }
     std::fprintf(stderr, "%d inputs\n", replayed);
     return replayed == 0 ? 2 : 0;
+} catch (const std::system_error& error) {
+    std::fprintf(stderr, "cannot be read: %s\n", error.what());
+    return 2;
 }

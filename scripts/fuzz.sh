@@ -38,7 +38,7 @@ run_one() {
 export -f run_one
 
 names=("$@")
-[ ${#names[@]} -gt 0 ] || mapfile -t names < <(find fuzz/corpus -mindepth 1 -maxdepth 1 -type d -printf '%f\n' | sort)
+[ ${#names[@]} -gt 0 ] || mapfile -t names < <(ninja -C build/fuzz -t targets all | sed -n 's,^bin/fuzz_\([A-Za-z]*\):.*,\1,p' | sort)
 mkdir -p build/fuzz/findings
 [ ! -d /dev/shm ] || export TMPDIR=${TMPDIR-/dev/shm} # files of the fuzzers in memory
 # shellcheck disable=SC2016 # the inner shell expands it

@@ -53,6 +53,8 @@ public:
     ~dbrecord();
 
     /// Records on the heap stand close together, in memory of their own.
+    // The check overlooks that a deletion may be told the size.
+    // NOLINTNEXTLINE(misc-new-delete-overloads,cert-dcl54-cpp)
     static void* operator new(std::size_t bytes) { return Tarn::BlockMemory::allocate(bytes); }
     static void operator delete(void* record, std::size_t bytes) noexcept {
         Tarn::BlockMemory::release(record, bytes);

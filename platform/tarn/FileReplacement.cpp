@@ -66,6 +66,11 @@ bool sameFile(const struct stat& a, const struct stat& b) noexcept {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
+bool leadsTo(const std::string& path, const struct stat& status) noexcept {
+    struct stat there {};
+    return stat(path.c_str(), &there) == 0 && sameFile(status, there);
+}
+
 /// A name that is hardly taken; what is left to chance, the exclusive opening finds out. It does
 /// not end in ".tmp", a name that the saving of containers uses.
 std::string siblingName() {
@@ -105,8 +110,7 @@ bool FileReplacement::openExisting(const char* path, const struct stat& status) 
         return file_.isOpen();
     }
     setTarget(withoutLinks(path));
-    struct stat behind {};
-    if (stat(target_.c_str(), &behind) != 0 || !sameFile(status, behind)) {
+    if (target_ != path && !leadsTo(target_, status)) {
         return false;
     }
     if (faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0) {

@@ -18,7 +18,7 @@ public:
     /// A place for at least n more bytes, good until the next call. Amortised linear. Throws
     /// std::bad_alloc, with the line as it was, when there is no memory.
     char* roomFor(std::size_t n) {
-        if (n > size_ - used_) {
+        if (!bytes_ || n > size_ - used_) {
             grow(n);
         }
         return bytes_.get() + used_;

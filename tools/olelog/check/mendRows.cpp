@@ -145,6 +145,7 @@ void partRows(MendedLog& log) {
         }
         const auto place = log.lines.begin() + static_cast<std::ptrdiff_t>(i);
         std::vector<LogLine> rows;
+        rows.reserve(parts.size());
         for (const std::string_view part : parts) {
             rows.push_back({std::string{part}, line.number});
         }

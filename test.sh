@@ -11,7 +11,7 @@ and runs all tests.
 
   --asan        build with AddressSanitizer and UndefinedBehaviorSanitizer
   --debug       build without optimisation, with checked standard containers
-  --clang       build with Clang
+  --clang       build the libraries and their tests with Clang, without the tool
   --long        the long forms: a session of ten minutes, every point of failure,
                 500 kills; then every fuzzer for fifteen minutes (two hours in all)
   --jobs N      run N jobs at a time (default: one for each processor)

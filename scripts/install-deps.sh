@@ -37,7 +37,7 @@ lint_needs() {
   cat <<'END'
 clang           command -v clang++
 libclang-rt-dev compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a'
-clang-tidy      command -v clang-tidy
+clang-tidy      command -v run-clang-tidy
 clang-format    command -v clang-format
 shellcheck      command -v shellcheck
 END

@@ -5,6 +5,7 @@
 #include "ole/oledb/oledb.h"
 #include "tableValues.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -76,12 +77,9 @@ textsOf(const RowRange& rows, const std::vector<ColumnPair>& columns, unsigned C
 }
 
 bool holdNames(const oledb& table, const std::vector<ColumnPair>& columns) {
-    for (const ColumnPair& pair : columns) {
-        if (isColumn(table, pair.here, "Name")) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(columns.begin(), columns.end(), [&table](const ColumnPair& pair) {
+        return isColumn(table, pair.here, "Name");
+    });
 }
 
 } // namespace

@@ -89,14 +89,19 @@ bool lacksLastEnd(std::string_view text) {
     return !isEssentiallyEmpty(text.substr(end == std::string_view::npos ? 0 : end + 1));
 }
 
-std::vector<std::string_view> cellsOf(std::string_view line) {
-    std::vector<std::string_view> cells;
-    for (std::size_t tab = line.find('\t'); tab != std::string_view::npos; tab = line.find('\t')) {
-        cells.push_back(line.substr(0, tab));
-        line.remove_prefix(tab + 1);
+std::vector<std::string_view> partsOf(std::string_view line, char separator) {
+    std::vector<std::string_view> parts;
+    for (std::size_t at = line.find(separator); at != std::string_view::npos;
+         at = line.find(separator)) {
+        parts.push_back(line.substr(0, at));
+        line.remove_prefix(at + 1);
     }
-    cells.push_back(line);
-    return cells;
+    parts.push_back(line);
+    return parts;
+}
+
+std::vector<std::string_view> cellsOf(std::string_view line) {
+    return partsOf(line, '\t');
 }
 
 std::string bytesOf(const std::string& path) {

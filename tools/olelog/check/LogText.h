@@ -34,6 +34,9 @@ LineEnds lineEndsOf(std::string_view text, bool crEnds);
 /// Whether a text ends without a line end, in a line that holds something.
 bool lacksLastEnd(std::string_view text);
 
+/// What stands between the separators of a line: one part more than there are separators.
+std::vector<std::string_view> partsOf(std::string_view line, char separator);
+
 /// All cells of a line, cut at every tab, empty ones at the ends included.
 std::vector<std::string_view> cellsOf(std::string_view line);
 

@@ -95,16 +95,6 @@ bool holdsCr(std::string_view line) {
     return line.find('\r') != std::string_view::npos;
 }
 
-std::vector<std::string_view> partsAtCr(std::string_view line) {
-    std::vector<std::string_view> parts;
-    for (std::size_t cr = line.find('\r'); cr != std::string_view::npos; cr = line.find('\r')) {
-        parts.push_back(line.substr(0, cr));
-        line.remove_prefix(cr + 1);
-    }
-    parts.push_back(line);
-    return parts;
-}
-
 /// Whether a line has a cell for each column, and perhaps a tab at its end.
 bool isWholeRow(std::string_view line, std::size_t columns) {
     const auto cells = cellsOf(line);
@@ -136,24 +126,26 @@ void partRows(MendedLog& log) {
     const LogWords words = log.words();
     const std::size_t columns =
         words.column == 0 || words.data == 0 ? 0 : usedCells(log.line(words.column + 1).text);
-    for (std::size_t i = words.data; columns > 1 && i < log.lines.size(); ++i) {
-        const LogLine line = log.lines[i];
-        const auto parts = partsAtCr(line.text);
+    if (columns <= 1) {
+        return;
+    }
+    std::vector<LogLine> lines; // anew: room made for each row in turn would move all behind it
+    lines.reserve(log.lines.size());
+    for (std::size_t i = 0; i < log.lines.size(); ++i) {
+        LogLine& line = log.lines[i];
+        const auto parts = partsOf(line.text, '\r');
         const auto isRow = [columns](std::string_view part) { return isWholeRow(part, columns); };
-        if (parts.size() < 2 || !std::all_of(parts.begin(), parts.end(), isRow)) {
+        if (i < words.data || parts.size() < 2 || !std::all_of(parts.begin(), parts.end(), isRow)) {
+            lines.push_back(std::move(line));
             continue;
         }
-        const auto place = log.lines.begin() + static_cast<std::ptrdiff_t>(i);
-        std::vector<LogLine> rows;
-        rows.reserve(parts.size());
         for (const std::string_view part : parts) {
-            rows.push_back({std::string{part}, line.number});
+            lines.push_back({std::string{part}, line.number});
         }
-        log.lines.insert(log.lines.erase(place), rows.begin(), rows.end());
         log.note(finding::mixedLineEnds, line.number,
                  fmt::format("parted at its CR into {}", counted(parts.size(), "row")));
-        i += parts.size() - 1;
     }
+    log.lines = std::move(lines);
 }
 
 void mendTitles(MendedLog& log) {

@@ -91,7 +91,9 @@ private:
         }
         const auto offset = static_cast<unsigned char*>(chunk) - page.memory;
         page.freeChunks |= std::uint32_t{1} << (static_cast<std::size_t>(offset) / alignment);
-        if (page.freeChunks == allFree) {
+        // The last page with room stays, though nothing of it is in use: else a chunk that comes
+        // and goes would take and give a page each time.
+        if (page.freeChunks == allFree && (page.previous || page.next)) {
             delist(page);
             PageMemory::give(page.memory, PageMemory::largePage);
             delete &page;

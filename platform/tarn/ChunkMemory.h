@@ -4,7 +4,7 @@
 
 // Chunks of 64 KiB, from which others cut small blocks. The first ones of a process come from the
 // ordinary allocator, so that little use costs little; further ones come by the large page
-// (PageMemory), and go back to the system with the last of their page.
+// (PageMemory), and go back to the system with the last of their page, but for one page in reserve.
 
 namespace Tarn::ChunkMemory {
 

@@ -7,6 +7,7 @@
 
 #include "tarn/Ascii.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstring>
@@ -22,11 +23,12 @@
 namespace {
 
 constexpr std::size_t uuidDigits = 32;
+constexpr std::size_t shortForm = 1 + uuidDigits + 2;
 constexpr std::uint8_t allFlags = 255;
 
 /// The characters of an identifier's text that count.
 struct Significant {
-    char text[uuidDigits + 3] = {};
+    char text[shortForm] = {};
     std::size_t size = 0;
 
     [[nodiscard]] std::string_view view() const noexcept { return {text, size}; }
@@ -65,36 +67,40 @@ std::optional<Significant> significant(std::basic_string_view<Char> text) noexce
     return result;
 }
 
-int hexValue(char c) noexcept {
-    if (Tarn::isDigit(c)) {
-        return c - '0';
-    }
-    const char lower = Tarn::toLower(c);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
+constexpr std::uint8_t noDigit = 0xFF;
 
-std::optional<std::uint8_t> hexByte(std::string_view digits) noexcept {
-    const int high = hexValue(digits[0]);
-    const int low = hexValue(digits[1]);
-    if (high < 0 || low < 0) {
-        return std::nullopt;
+constexpr auto hexValues = [] {
+    std::array<std::uint8_t, 256> values{};
+    values.fill(noDigit);
+    for (std::uint8_t i = 0; i < 10; ++i) {
+        values[static_cast<std::size_t>('0' + i)] = i;
     }
-    return static_cast<std::uint8_t>(high * 16 + low);
+    for (std::uint8_t i = 10; i < 16; ++i) {
+        values[static_cast<std::size_t>('a' + i - 10)] = i;
+        values[static_cast<std::size_t>('A' + i - 10)] = i;
+    }
+    return values;
+}();
+
+/// Reads two hex digits for each byte; false, with any bytes read, where one is none.
+bool readHex(const char* digits, std::uint8_t* bytes, std::size_t n) noexcept {
+    unsigned seen = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        const unsigned high = hexValues[static_cast<unsigned char>(digits[2 * i])];
+        const unsigned low = hexValues[static_cast<unsigned char>(digits[2 * i + 1])];
+        seen |= high | low;
+        bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
+    }
+    return seen < 16;
 }
 
 /// Reads the UUID and, where they follow, the flags.
 Cookie cookieOf(char kind, std::string_view digits) noexcept {
-    Cookie::Uuid uuid{};
-    for (std::size_t i = 0; i < uuid.size(); ++i) {
-        const auto byte = hexByte(digits.substr(2 * i));
-        if (!byte) {
-            return {};
-        }
-        uuid[i] = *byte;
-    }
-    const auto flags =
-        digits.size() > uuidDigits ? hexByte(digits.substr(uuidDigits)) : std::optional{allFlags};
-    return flags ? Cookie{uuid, kind, *flags} : Cookie{};
+    Cookie::Uuid uuid; // NOLINT(cppcoreguidelines-pro-type-member-init): all of it is read
+    std::uint8_t flags = allFlags;
+    const bool read = readHex(digits.data(), uuid.data(), uuid.size()) &&
+                      (digits.size() == uuidDigits || readHex(&digits[uuidDigits], &flags, 1));
+    return read ? Cookie{uuid, kind, flags} : Cookie{};
 }
 
 template <class Char>
@@ -146,7 +152,15 @@ bool groupEndsBefore(std::size_t byte) noexcept {
 } // namespace
 
 Cookie::Cookie(const char* text, bool stored) noexcept
-    : Cookie{parsed(text ? std::string_view{text} : std::string_view{}, stored)} {}
+    : Cookie{text ? std::string_view{text} : std::string_view{}, stored} {}
+
+/// The short form is what tables hold.
+Cookie::Cookie(std::string_view text, bool stored) noexcept
+    : Cookie{text.size() == shortForm ? cookieOf(text.front(), text.substr(1)) : Cookie{}} {
+    if (!valid()) {
+        *this = parsed(text, stored);
+    }
+}
 
 Cookie::Cookie(const LightweightString<wchar_t>& text, bool stored) noexcept
     : Cookie{parsed(text.view(), stored)} {}

@@ -8,6 +8,7 @@
 #include <compare>
 #include <cstdint>
 #include <functional>
+#include <string_view>
 #include <vector>
 
 /// The kinds of items that a cookie can name.
@@ -44,8 +45,9 @@ public:
     /// flags, 35 all three. Missing flags are 255. With `stored` the letter is required; without, a
     /// missing letter means kind 'U'. Anything else gives the invalid cookie. Null reads as "".
     Cookie(const char* text, bool stored) noexcept;
+    Cookie(std::string_view text, bool stored) noexcept;
     Cookie(const LightweightString<char>& text, bool stored) noexcept
-        : Cookie{text.c_str(), stored} {}
+        : Cookie{text.view(), stored} {}
     Cookie(const LightweightString<wchar_t>& text, bool stored) noexcept;
 
     /// A new random identifier (UUID version 4) of the given kind and flags.

@@ -175,3 +175,14 @@ bool Notifier::hasListeners(int type) const noexcept {
     const auto found = registry_->lists.find(type);
     return found != registry_->lists.end() && found->second.live != 0;
 }
+
+void Notifier::tellTheRest(int type) {
+    const std::shared_ptr<Registry> registry = registry_;
+    if (!registry) {
+        return;
+    }
+    const auto found = registry->lists.find(type);
+    if (found != registry->lists.end() && found->second.innermost) {
+        found->second.innermost->deliver();
+    }
+}

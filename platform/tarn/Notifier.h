@@ -41,6 +41,10 @@ public:
                                                           int type) override;
     /// Whether anybody listens to a message type: lets a source save making the message.
     [[nodiscard]] bool hasListeners(int type) const noexcept;
+    /// Tells every listener that still waits for its turn in a round of a message type, before the
+    /// caller, who is a listener of that round or called by one, goes on. Whoever is about to act
+    /// upon what all listeners should know by then does this first.
+    void tellTheRest(int type);
 
     /// The list of registrations, shared with the guards; for the implementation alone.
     struct Registry;

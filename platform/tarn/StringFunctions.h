@@ -96,6 +96,7 @@ class IsMatchingChar {
 public:
     explicit constexpr IsMatchingChar(char separator) noexcept : separator_{separator} {}
     constexpr bool operator()(char c) const noexcept { return c == separator_; }
+    [[nodiscard]] constexpr char character() const noexcept { return separator_; }
 
 private:
     char separator_;

@@ -8,6 +8,7 @@
 
 #include "tarn/StringFunctions.h"
 #include "tarn/systemFile.h"
+#include "tarn/TextFileInput.h"
 #include "tarn/TextFileOutput.h"
 
 #include <algorithm>
@@ -87,6 +88,7 @@ void TextFile::swap(TextFile& other) noexcept {
     std::swap(current_, other.current_);
     path_.swap(other.path_);
     output_.swap(other.output_);
+    input_.swap(other.input_);
 }
 
 void TextFile::clear() noexcept {
@@ -95,6 +97,7 @@ void TextFile::clear() noexcept {
     std::vector<std::size_t>{}.swap(starts_);
     loadedLines_ = 0;
     current_ = 0;
+    input_.reset();
 }
 
 bool TextFile::load(const LightweightString<wchar_t>& path, char terminator, bool /*convert*/) {
@@ -106,6 +109,18 @@ bool TextFile::load(const LightweightString<wchar_t>& path, char terminator, boo
     }
     cutLines(terminator);
     return true;
+}
+
+bool TextFile::streamFrom(const LightweightString<wchar_t>& path, char terminator) {
+    output_.reset();
+    clear();
+    path_ = path;
+    input_ = std::make_unique<Tarn::TextFileInput>(pathToBytes(path).c_str(), terminator);
+    return !input_->failed();
+}
+
+bool TextFile::streamFailed() const noexcept {
+    return input_ && input_->failed();
 }
 
 void TextFile::startLine(std::size_t start) {
@@ -158,7 +173,14 @@ void TextFile::setLine(unsigned n) noexcept {
     current_ = std::min(n, numLines());
 }
 
-std::string_view TextFile::nextLine() noexcept {
+bool TextFile::atEnd() const {
+    return input_ ? input_->atEnd() : current_ >= numLines();
+}
+
+std::string_view TextFile::nextLine() {
+    if (input_) {
+        return input_->nextLine();
+    }
     return atEnd() ? std::string_view{} : lineView(current_++);
 }
 
@@ -198,6 +220,9 @@ bool TextFile::save(const LightweightString<wchar_t>& path, eEOLStyle style) {
     const LightweightString<wchar_t>& target = pathOrBound(path);
     if (const std::unique_ptr<Output> streamed = std::move(output_)) {
         return streamed->isFor(target, style) && streamed->finish();
+    }
+    if (input_) {
+        return false;
     }
     Output output{target, style};
     writeLines(output);

@@ -9,7 +9,12 @@
 #include <string_view>
 #include <vector>
 
-/// A text file in memory: a list of lines with a current line, read whole and written whole.
+namespace Tarn {
+class TextFileInput;
+}
+
+/// A text file: a list of lines with a current line, read whole and written whole; or a stream of
+/// lines that are not kept (`streamFrom`, `stream`).
 ///
 /// Loading keeps the file in one buffer, the lines are slices of it. Bytes are passed through as
 /// they are; zero bytes and a byte order mark stay in their line. Lines are numbered in 32 bits:
@@ -41,6 +46,16 @@ public:
     /// read. Remembers `path` for `save`, also then. Ends streaming as the destructor does.
     bool load(const LightweightString<wchar_t>& path, char terminator, bool convert);
 
+    /// From now on `nextLine` brings the lines of this file, cut as by `load`, which are not kept:
+    /// for files too long to hold, and faster for large ones that are read once. They are not
+    /// numbered: `numLines()` and `line()` stay 0. Replaces the contents, and remembers `path`, as
+    /// `load` does; false, with nothing to read, when the file cannot be opened. Ends with `load`,
+    /// `stream` or a further `streamFrom`; until then `save` fails, because there is no whole.
+    bool streamFrom(const LightweightString<wchar_t>& path, char terminator);
+    /// Whether the file of `streamFrom` could not be opened, or not be read up to where `atEnd()`
+    /// is true; what came before is then a part of it at best. False without one.
+    [[nodiscard]] bool streamFailed() const noexcept;
+
     /// Number of lines in memory; streamed lines do not count.
     [[nodiscard]] unsigned numLines() const noexcept {
         return static_cast<unsigned>(starts_.size());
@@ -55,9 +70,10 @@ public:
     [[nodiscard]] unsigned line() const noexcept { return current_; }
     /// Goes to line n, or to the end where there is none.
     void setLine(unsigned n) noexcept;
-    [[nodiscard]] bool atEnd() const noexcept { return current_ >= numLines(); }
+    [[nodiscard]] bool atEnd() const;
     /// The current line as a slice; goes on to the next line. Empty, without moving, at the end.
-    std::string_view nextLine() noexcept;
+    /// A line of `streamFrom` is good until the next call.
+    std::string_view nextLine();
 
     /// Appends a line, bytes as given; a null pointer appends an empty line. Amortised linear in
     /// the line's length.
@@ -75,7 +91,8 @@ public:
     /// are dropped by a further call.
     void stream(const LightweightString<wchar_t>& path, eEOLStyle style);
 
-    /// Writes all lines, each with its line end, and returns whether that succeeded. An empty path
+    /// Writes all lines, each with its line end, and returns whether that succeeded; it fails while
+    /// the lines of `streamFrom` come. An empty path
     /// means the path given at construction or loading; without one the save fails. A regular file
     /// is replaced whole or not at all: a sibling is written, flushed to disk and renamed over it;
     /// the permissions of an existing file stay; other hard links to it keep the old contents.
@@ -114,4 +131,5 @@ private:
     unsigned current_ = 0;
     LightweightString<wchar_t> path_;
     std::unique_ptr<Output> output_;
+    std::unique_ptr<Tarn::TextFileInput> input_;
 };

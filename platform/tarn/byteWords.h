@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 // Looking at eight bytes at a time. Texts of tables are short, so a call of the C library for each
 // would cost more than the look itself.
@@ -28,6 +30,38 @@ inline std::uint64_t hasByte(std::uint64_t word, char byte) noexcept {
     constexpr std::uint64_t ones = 0x0101010101010101;
     const std::uint64_t rest = word ^ (ones * static_cast<unsigned char>(byte));
     return (rest - ones) & ~rest & (ones << 7);
+}
+
+/// Copies a text to a place with room for it and returns, taken together, what `marks` gives for
+/// its words: not 0 where the text holds a byte that `marks` looks for, which is not the zero byte.
+template <class Marks>
+std::uint64_t copyMarking(char* to, std::string_view text, Marks marks) noexcept {
+    const char* const from = text.data();
+    const std::size_t n = text.size();
+    if (n >= 8) {
+        std::uint64_t found = 0;
+        for (std::size_t i = 0; i + 8 < n; i += 8) {
+            const std::uint64_t word = eightBytes(from + i);
+            std::memcpy(to + i, &word, sizeof(word));
+            found |= marks(word);
+        }
+        const std::uint64_t last = eightBytes(from + n - 8);
+        std::memcpy(to + n - 8, &last, sizeof(last));
+        return found | marks(last);
+    }
+    if (n >= 4) {
+        const std::uint32_t front = fourBytes(from);
+        const std::uint32_t back = fourBytes(from + n - 4);
+        std::memcpy(to, &front, sizeof(front));
+        std::memcpy(to + n - 4, &back, sizeof(back));
+        return marks(std::uint64_t{front} << 32 | back);
+    }
+    std::uint64_t few = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        to[i] = from[i];
+        few = few << 8 | static_cast<unsigned char>(from[i]);
+    }
+    return marks(few);
 }
 
 } // namespace Tarn

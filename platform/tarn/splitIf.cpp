@@ -8,14 +8,19 @@ void splitIf(std::string_view text, IsMatchingChar separator, std::vector<std::s
              int mode) {
     const std::size_t before = pieces.size();
     std::size_t first = !text.empty() && separator(text.front()) ? 1 : 0;
-    bool afterSeparator = first == 1;
-    for (std::size_t i = first; i < text.size(); ++i) {
-        const bool here = separator(text[i]);
-        if (here && !(afterSeparator && mode == eSplitMerging)) {
-            pieces.push_back(text.substr(first, i - first));
-            first = i + 1;
+    std::size_t behindRun = first; // of separators that do not cut
+    for (;;) {
+        while (mode == eSplitMerging && behindRun != 0 && behindRun < text.size() &&
+               separator(text[behindRun])) {
+            ++behindRun;
         }
-        afterSeparator = here;
+        const std::size_t cut = text.find(separator.character(), behindRun);
+        if (cut == std::string_view::npos) {
+            break;
+        }
+        pieces.push_back(text.substr(first, cut - first));
+        first = cut + 1;
+        behindRun = first;
     }
     if (first < text.size() || pieces.size() == before) {
         pieces.push_back(text.substr(first));

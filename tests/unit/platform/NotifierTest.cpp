@@ -140,14 +140,19 @@ public:
         const std::shared_ptr<State> state = state_;
         Round own{msg, type, {entries_.begin(), entries_.end()}, {}};
         state->rounds.push_back(&own);
+        tellTheRest(type);
+        state->rounds.pop_back();
+        if (own.thrown) {
+            std::rethrow_exception(own.thrown);
+        }
+    }
+
+    void tellTheRest(int type) {
+        const std::shared_ptr<State> state = state_;
         for (std::size_t i = 0, n = state->rounds.size(); i < n; ++i) {
             if (state->rounds[i]->type == type) {
                 finish(*state->rounds[i], *state);
             }
-        }
-        state->rounds.pop_back();
-        if (own.thrown) {
-            std::rethrow_exception(own.thrown);
         }
     }
 
@@ -230,6 +235,8 @@ private:
             leave(pick(static_cast<unsigned>(handles_.size()) + 1));
         } else if (what < 90) {
             issue();
+        } else if (what < 93) {
+            tellTheRest();
         } else if (what < 96) {
             askForListeners();
         } else if (what < 98) {
@@ -259,6 +266,12 @@ private:
             const int type = pickType();
             note("issue " + std::to_string(type));
             notifier_->issueNotification(NotifyMsg{}, type);
+        }
+    }
+    void tellTheRest() {
+        if (notifier_) {
+            note("tell the rest");
+            notifier_->tellTheRest(pickType());
         }
     }
     void askForListeners() {

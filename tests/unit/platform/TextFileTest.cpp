@@ -34,6 +34,19 @@ protected:
         const Lines lines = linesOf(file_);
         EXPECT_TRUE(file_.load(folder_.wide("f"), terminator, true));
         EXPECT_EQ(linesOf(file_), lines) << "the conversion flag changed the lines";
+        EXPECT_EQ(streamed(terminator), lines);
+        return lines;
+    }
+
+    Lines streamed(char terminator) {
+        TextFile file;
+        EXPECT_TRUE(file.streamFrom(folder_.wide("f"), terminator));
+        Lines lines;
+        while (!file.atEnd()) {
+            lines.emplace_back(file.nextLine());
+        }
+        EXPECT_EQ(file.nextLine(), "");
+        EXPECT_FALSE(file.streamFailed());
         return lines;
     }
 
@@ -55,6 +68,35 @@ TEST_F(TextFileTest, LineEnds) {
     for (const auto& [bytes, lines] : cases) {
         EXPECT_EQ(load(bytes), lines) << testing::PrintToString(bytes);
     }
+}
+
+// Lines lie across the pieces that a file is read in, or are longer than many of them.
+TEST_F(TextFileTest, StreamedLinesOfAnyLength) {
+    std::string bytes;
+    for (const std::size_t length :
+         {262'142U, 1U, 0U, 262'143U, 262'144U, 262'145U, 3'000'000U, 70U}) {
+        bytes += std::string(length, static_cast<char>('a' + length % 23)) + "\r\n";
+    }
+    EXPECT_EQ(load(bytes).size(), 8U);
+    EXPECT_EQ(load(bytes.substr(0, bytes.size() - 1)).back().size(), 70U);
+}
+
+TEST_F(TextFileTest, StreamingEndsInNothingFalse) {
+    EXPECT_FALSE(file_.streamFrom(folder_.wide("missing"), '\n'));
+    EXPECT_TRUE(file_.streamFailed() && file_.atEnd());
+    EXPECT_TRUE(file_.streamFrom(folder_.wide(""), '\n')) << "a folder can be opened";
+    EXPECT_EQ(file_.nextLine(), "");
+    EXPECT_TRUE(file_.streamFailed());
+
+    load("a\nb\n");
+    EXPECT_TRUE(file_.streamFrom(folder_.wide("f"), '\n'));
+    EXPECT_EQ(file_.nextLine(), "a");
+    EXPECT_EQ(file_.numLines(), 0U);
+    EXPECT_FALSE(file_.save({}, TextFile::eEOLStyleLF)) << "would leave a file without lines";
+    EXPECT_EQ(folder_.read("f"), "a\nb\n");
+    EXPECT_TRUE(file_.load(folder_.wide("f"), '\n', false));
+    EXPECT_EQ(linesOf(file_), (Lines{"a", "b"}));
+    EXPECT_EQ(file_.nextLine(), "a");
 }
 
 TEST_F(TextFileTest, OtherTerminators) {

@@ -45,6 +45,6 @@ private:
     }
 };
 
-/// A list of plain data that may be long, and lives for one operation.
+/// A list of plain data that may be long.
 template <class T>
 using LargeVector = std::vector<T, LargeAllocator<T>>;

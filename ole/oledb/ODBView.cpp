@@ -1,9 +1,8 @@
 // Views: life, table and base view, the index, and what a view does when rows are deleted below it;
 // the handle.
 //
-// The index is plain memory and its size follows fixed rules, because tag bytes that earlier
-// entries left in it come back with entries that are added later. Wherever the count exceeds the
-// storage (`sizeIndexFor(0)` keeps the count), the entries in use are those that the storage holds.
+// A view that has listeners follows a deletion step by step, for they may look at it between the
+// steps (`Following`). Where there are none the index does it in one pass, when somebody looks.
 
 #include "ole/oledb/ODBView.h"
 
@@ -20,12 +19,11 @@
 #include <algorithm>
 #include <climits>
 #include <exception>
+#include <span>
 #include <string>
 #include <utility>
 
 namespace {
-
-constexpr int smallestIndex = 20;
 
 void copyParams(AssocList& params, const oledb& table) {
     for (unsigned i = 0; i < table.get_num_params(); ++i) {
@@ -83,12 +81,10 @@ ODBViewRep::~ODBViewRep() {
 void ODBViewRep::init() {
     refs = 0;
     fieldSpecStr = {};
-    static_cast<void>(index.release());
     base = nullptr;
     db = nullptr;
     tableLife_.reset();
-    numIndex = 0;
-    indexSize = 0;
+    index->abandon();
     static_cast<void>(fields.release());
     condition = nullptr;
     sortKeys = nullptr;
@@ -193,80 +189,32 @@ void ODBViewRep::addParamsFrom(ODBViewRep* other) {
 
 // -- the index --
 
-int ODBViewRep::held() const noexcept {
-    return std::min(numIndex, indexSize);
-}
-
 int ODBViewRep::clamped(int at) const noexcept {
-    return std::clamp(at, 0, numIndex);
+    return std::clamp(at, 0, index.numIndex());
 }
 
 void ODBViewRep::clear() {
-    index.reset();
-    indexSize = 0;
-    numIndex = 0;
-}
-
-int ODBViewRep::capacityFor(int n) const noexcept {
-    if (n == 0) {
-        return 0;
-    }
-    const long long need = std::max(n, smallestIndex);
-    const long long capacity = indexSize;
-    if (capacity < need) {
-        return static_cast<int>(std::min<long long>(std::max(capacity * 2, need), INT_MAX));
-    }
-    return need * 2 < capacity ? indexSize / 2 : indexSize;
-}
-
-/// New storage for n entries, none where the present storage stays or goes.
-std::unique_ptr<ODBViewRep::IndexEntry[]> ODBViewRep::storageFor(int n) const {
-    const int capacity = capacityFor(n);
-    return capacity == 0 || capacity == indexSize
-               ? nullptr
-               : std::make_unique<IndexEntry[]>(static_cast<std::size_t>(capacity));
-}
-
-/// Moves into what `storageFor(n)` gave.
-void ODBViewRep::moveInto(std::unique_ptr<IndexEntry[]> storage, int n) noexcept {
-    const int capacity = capacityFor(n);
-    if (capacity == indexSize) {
-        return;
-    }
-    if (storage) {
-        const int kept = capacity < numIndex ? std::max(n, smallestIndex) : numIndex;
-        std::copy_n(index.get(), std::min(kept, indexSize), storage.get());
-    }
-    index = std::move(storage);
-    indexSize = capacity;
+    index.clear();
 }
 
 void ODBViewRep::sizeIndexFor(int n) {
-    moveInto(storageFor(n), n);
-}
-
-void ODBViewRep::openGap(int at, int n) {
-    IndexEntry* const entries = index.get();
-    if (n > 0) {
-        std::copy_backward(entries + at, entries + numIndex, entries + numIndex + n);
-    }
+    index->sizeFor(n);
 }
 
 int ODBViewRep::append(int row) {
-    if (!source()) {
-        return 0;
-    }
-    sizeIndexFor(numIndex + 1);
-    index[static_cast<std::size_t>(numIndex)].row = static_cast<std::uint32_t>(row);
-    return numIndex++;
+    const KeepAlive alive{*this};
+    followToTheEnd();
+    return source() ? index->put(static_cast<std::uint32_t>(row)) : 0;
 }
 
 void ODBViewRep::buildIndex() {
-    numIndex = 0;
+    const KeepAlive alive{*this};
+    followToTheEnd();
+    index->restart();
     const ODBBase* const from = source();
-    const int n = from ? static_cast<int>(from->get_num_records()) : 0;
-    for (int i = 0; i < n; ++i) {
-        append(i);
+    const unsigned n = from ? from->get_num_records() : 0;
+    for (unsigned i = 0; i < n; ++i) {
+        index->put(i);
     }
 }
 
@@ -285,12 +233,11 @@ void ODBViewRep::sortIndex() {
 
 dbrecord* ODBViewRep::operator[](int i) const {
     const ODBBase* const from = source();
-    return from && isPosition(i) ? from->get_record(index[static_cast<std::size_t>(i)].row)
-                                 : nullptr;
+    return from && isPosition(i) ? from->get_record(index[i].row) : nullptr;
 }
 
 int ODBViewRep::sourceRow(int i) const noexcept {
-    return isPosition(i) ? signedRow(index[static_cast<std::size_t>(i)].row) : 0;
+    return isPosition(i) ? signedRow(index[i].row) : 0;
 }
 
 int ODBViewRep::baseIndex(int i) {
@@ -299,7 +246,7 @@ int ODBViewRep::baseIndex(int i) {
 }
 
 int ODBViewRep::findViewIndexForBaseRow(unsigned long row) const {
-    for (int i = 0; i < held(); ++i) {
+    for (int i = 0; i < index.held(); ++i) {
         if (static_cast<unsigned long>(static_cast<long>(sourceRow(i))) == row) {
             return i;
         }
@@ -329,8 +276,8 @@ public:
             outer_->finish();
         }
         while (token_.valid()) {
-            if (position_ < view_.held()) {
-                followAt(position_);
+            if (reachesDeleted()) {
+                drop(position_);
             } else {
                 ++token_;
                 ++earlier_;
@@ -348,24 +295,35 @@ public:
             std::rethrow_exception(thrown_);
         }
     }
+    /// Entries in front of the one that is looked at were taken out: no other is passed over.
+    void takenOut(int from, int n) noexcept {
+        if (outer_) {
+            outer_->takenOut(from, n);
+        }
+        position_ -= std::clamp(position_ - from, 0, n);
+    }
 
 private:
+    /// Lowers rows behind the deleted one up to the next entry that shows it, if there is one.
+    bool reachesDeleted() noexcept {
+        const long long deleted = static_cast<long long>(token_.number()) - earlier_;
+        const std::span entries = view_.index.entries();
+        for (; static_cast<std::size_t>(position_) < entries.size(); ++position_) {
+            std::uint32_t& row = entries[static_cast<std::size_t>(position_)].row;
+            if (signedRow(row) == deleted) {
+                return true;
+            }
+            row -= signedRow(row) > deleted ? 1 : 0;
+        }
+        return false;
+    }
     /// The collected numbers are not the removed positions but lie one less than the number of
     /// earlier rows above them: views built on this one rely on hearing exactly that.
-    void followAt(int i) {
-        const long long deleted = static_cast<long long>(token_.number()) - earlier_;
-        const long long row = view_.sourceRow(i);
-        if (row == deleted) {
-            const NotifyMsg removed = view_.takeOut(i, 1);
-            collected_ += std::to_string(i + earlier_ - 1);
-            collected_ += ' ';
-            tell(removed, recordsDeletedType());
-            return;
-        }
-        if (row > deleted) {
-            --view_.index[static_cast<std::size_t>(i)].row;
-        }
-        ++position_;
+    void drop(int i) {
+        const NotifyMsg removed = view_.takeOut(i, 1);
+        collected_ += std::to_string(i + earlier_ - 1);
+        collected_ += ' ';
+        tell(removed, recordsDeletedType());
     }
     void tell(const NotifyMsg& msg, int type) noexcept {
         try {
@@ -384,7 +342,14 @@ private:
     std::exception_ptr thrown_;
 };
 
+bool ODBViewRep::isHeard() const noexcept {
+    return hasListeners(recordsDeletedType()) || hasListeners(recordsChangedType());
+}
+
 int ODBViewRep::recordsDeletedNotify(const NotifyMsg& msg) {
+    if (!following_ && !isHeard() && index.putOff(msg)) {
+        return 0;
+    }
     const KeepAlive alive{*this};
     Following following{*this, msg};
     following.finish();
@@ -392,8 +357,23 @@ int ODBViewRep::recordsDeletedNotify(const NotifyMsg& msg) {
     return 0;
 }
 
-/// Before entries come that are numbered as the source is now.
+void ODBViewRep::noteTakenOut(int from, int n) noexcept {
+    if (following_) {
+        following_->takenOut(from, n);
+    }
+}
+
+/// Before entries come that are numbered as the source is now: whoever adds them may have heard of
+/// a deletion before this view, or in the middle of its following one. The caller keeps the view
+/// alive.
 void ODBViewRep::followToTheEnd() {
+    if (oledb* const below = table()) {
+        below->tellTheRest(recordsDeletedType());
+    }
+    if (const ODBView below{base}; below) {
+        below->followToTheEnd();
+        below->tellTheRest(recordsDeletedType());
+    }
     if (following_) {
         following_->finish();
     }

@@ -2,6 +2,7 @@
 
 #include "ole/ole.h"
 #include "ole/oledb/ODBBase.h"
+#include "ole/oledb/ViewIndex.h"
 #include "tarn/AssocList.h"
 #include "tarn/Guard.h"
 #include "tarn/LightweightString.h"
@@ -52,10 +53,13 @@ class TextFile;
 /// `deleteRecords`) does the same at the levels between. Where memory runs out while a view follows
 /// a deletion, fill it and the views above it again: rows that no longer exist show as null.
 ///
-/// **Listeners** are told in the middle of this. They may delete further rows, drop views, fill
-/// this one (`displayAllRecords`) and throw: the views follow all the same, and what was thrown
-/// first passes through the operation, which ends with the run of entries that it had come to. Rows
-/// that they show in a view by other operations are renumbered with those that it showed before.
+/// **Listeners** are told in the middle of this. They may delete further rows, add entries to views
+/// and take them out, drop views and throw: the views follow all the same, and what was thrown
+/// first passes through the operation, which ends with the run of entries that it had come to.
+/// Before entries are added to a view, or sorted, it hears of all that was deleted below it and
+/// follows that to the end, and so do those who listen beside it: a row that is shown is numbered
+/// as its source is then. Entries that a listener adds in the middle of `displayAllRecords` stay,
+/// behind those of every row.
 ///
 /// **Tags of new entries.** Adding an entry writes its row and leaves its tag byte as the storage
 /// held it: clear in fresh storage, stale where entries were removed before. Set tags after filling
@@ -126,17 +130,18 @@ public:
     /// The first position that shows a source row; -1 for none. Linear.
     [[nodiscard]] int findViewIndexForBaseRow(unsigned long row) const;
     /// The number of entries; after `sizeIndexFor(0)` more than the capacity holds.
-    [[nodiscard]] int count() const noexcept { return numIndex; }
+    [[nodiscard]] int count() const noexcept { return index.numIndex(); }
     /// The number of entries that there is storage for.
-    [[nodiscard]] int capacity() const noexcept { return indexSize; }
+    [[nodiscard]] int capacity() const noexcept { return index.indexSize(); }
     /// How many handles and views built on this one hold it.
     [[nodiscard]] unsigned references() const noexcept { return refs; }
     /// True: no filter can be set.
     [[nodiscard]] bool satisfiesCondition(dbrecord* record);
     /// Does nothing: no order can be set.
     void sortIndex();
-    /// The listener that is registered with the table and the base view. Returns 0. V steps a
-    /// deleted row.
+    /// The listener that is registered with the table and the base view. Returns 0. Where nobody
+    /// listens to this view it puts its part off until somebody looks, and then follows all that it
+    /// has heard of in one pass; otherwise V steps a deleted row.
     int recordsDeletedNotify(const NotifyMsg& msg);
 
     // -- tags: linear in V where more than one entry is meant --
@@ -208,8 +213,9 @@ public:
     void remove(int from, int n);
     /// Takes entries out of the whole chain down to the view that stands on the table.
     void removeRecordsFromBaseView(int from, int n);
-    /// Takes out, by runs, what a predicate selects; returns how many. V steps for each run (and
-    /// what `remove` costs above): to leave few of many, rather fill a new view with those few.
+    /// Takes out, by runs, what a predicate selects; returns how many. V steps while
+    /// nobody listens to a view that stands on the table; else V for each run, and what `remove`
+    /// costs above: to leave few of many, rather fill a new view with those few.
     int removeSome(Predicate selects);
     int removeTagged() { return removeSome(&ODBViewRep::tag); }
     int removeNonTagged() { return removeSome(&ODBViewRep::notTagged); }
@@ -222,7 +228,7 @@ public:
     /// order: entries before `at` are not renumbered.
     int insertBlankRecords(int at, int n);
     /// Deletes the table's rows behind positions; returns how many positions were handled. V steps
-    /// of every view of the table for each row.
+    /// for each run of rows, and of every view that somebody listens to for each row.
     int deleteRecords(int from, int n);
     /// Deletes the table's rows behind the tagged positions; returns how many positions were
     /// handled. Where two positions show one row, a further row goes.
@@ -333,21 +339,12 @@ public:
 private:
     friend class ODBView;
 
-    /// One position: plain data, moved as memory.
-    struct IndexEntry {
-        std::uint32_t row = 0; // compared as signed
-        std::uint8_t tag = 0;
-    };
     class KeepAlive;
     class Following;
 
-    [[nodiscard]] int held() const noexcept;
-    [[nodiscard]] bool isPosition(int i) const noexcept { return i >= 0 && i < held(); }
+    [[nodiscard]] bool isPosition(int i) const noexcept { return i >= 0 && i < index.held(); }
     [[nodiscard]] int clamped(int at) const noexcept;
-    [[nodiscard]] int capacityFor(int n) const noexcept;
-    [[nodiscard]] std::unique_ptr<IndexEntry[]> storageFor(int n) const;
-    void moveInto(std::unique_ptr<IndexEntry[]> storage, int n) noexcept;
-    void openGap(int at, int n);
+    [[nodiscard]] bool isHeard() const noexcept;
     [[nodiscard]] int runLength(int from, int k) const noexcept;
     void referToSource(SExprRef& reference) const;
     void retargetReferences(const ODBBase* from);
@@ -355,6 +352,7 @@ private:
     [[nodiscard]] std::vector<int> rowsOf(const std::vector<Cookie>& cookies) const;
     void copyTagsTo(ODBViewRep& other) const;
     void followToTheEnd();
+    void noteTakenOut(int from, int n) noexcept;
     NotifyMsg takeOut(int from, int n);
     void writeHeading(TextFile& file) const;
     void sortEntries();
@@ -368,9 +366,7 @@ private:
     ODBViewRep* base = nullptr;
     oledb* db = nullptr;
     std::weak_ptr<const void> tableLife_;
-    int numIndex = 0;
-    int indexSize = 0;
-    std::unique_ptr<IndexEntry[]> index;
+    ViewIndex index;
     LightweightString<char> fieldSpecStr;
     LightweightString<wchar_t> filename;
     AssocList params;

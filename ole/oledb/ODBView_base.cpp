@@ -30,13 +30,13 @@ int ODBViewRep::delete_tagged_records() {
 }
 
 int ODBViewRep::add_records(int n) {
-    const int first = numIndex;
+    const int first = index.numIndex();
     insertBlankRecords(first, n);
     return source() ? first : 0;
 }
 
 unsigned ODBViewRep::get_num_records() const {
-    return static_cast<unsigned>(numIndex);
+    return static_cast<unsigned>(index.numIndex());
 }
 
 dbrecord* ODBViewRep::get_record(unsigned i) const {
@@ -51,7 +51,7 @@ int ODBViewRep::set_tag(unsigned i, int v) {
     if (!isPosition(static_cast<int>(i))) {
         return 0;
     }
-    index[i].tag = v != 0 ? 1 : 0;
+    index[static_cast<int>(i)].tag = v != 0 ? 1 : 0;
     return 1;
 }
 
@@ -108,47 +108,65 @@ const char* ODBViewRep::get_field(unsigned i, const char* name) const {
 
 int ODBViewRep::set_field(unsigned r, const Cookie& cookie) {
     ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r)) ? from->set_field(index[r].row, cookie) : 0;
+    return from && isPosition(static_cast<int>(r))
+               ? from->set_field(index[static_cast<int>(r)].row, cookie)
+               : 0;
 }
 
 int ODBViewRep::set_field(unsigned r, unsigned f, const char* text) {
     ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r)) ? from->set_field(index[r].row, f, text) : 0;
+    return from && isPosition(static_cast<int>(r))
+               ? from->set_field(index[static_cast<int>(r)].row, f, text)
+               : 0;
 }
 
 int ODBViewRep::set_field(unsigned r, unsigned f, int number) {
     ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r)) ? from->set_field(index[r].row, f, number) : 0;
+    return from && isPosition(static_cast<int>(r))
+               ? from->set_field(index[static_cast<int>(r)].row, f, number)
+               : 0;
 }
 
 int ODBViewRep::set_field(unsigned r, unsigned f, double seconds) {
     ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r)) ? from->set_field(index[r].row, f, seconds) : 0;
+    return from && isPosition(static_cast<int>(r))
+               ? from->set_field(index[static_cast<int>(r)].row, f, seconds)
+               : 0;
 }
 
 int ODBViewRep::set_field(unsigned r, unsigned f, bool flag) {
     ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r)) ? from->set_field(index[r].row, f, flag) : 0;
+    return from && isPosition(static_cast<int>(r))
+               ? from->set_field(index[static_cast<int>(r)].row, f, flag)
+               : 0;
 }
 
 int ODBViewRep::in_field(unsigned r, unsigned f, char* buf, int size) {
     ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r)) ? from->in_field(index[r].row, f, buf, size) : 0;
+    return from && isPosition(static_cast<int>(r))
+               ? from->in_field(index[static_cast<int>(r)].row, f, buf, size)
+               : 0;
 }
 
 int ODBViewRep::in_field(unsigned r, unsigned f, int& number) {
     ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r)) ? from->in_field(index[r].row, f, number) : 0;
+    return from && isPosition(static_cast<int>(r))
+               ? from->in_field(index[static_cast<int>(r)].row, f, number)
+               : 0;
 }
 
 int ODBViewRep::in_field(unsigned r, unsigned f, double& number) {
     ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r)) ? from->in_field(index[r].row, f, number) : 0;
+    return from && isPosition(static_cast<int>(r))
+               ? from->in_field(index[static_cast<int>(r)].row, f, number)
+               : 0;
 }
 
 int ODBViewRep::in_field(unsigned r, unsigned f, bool& flag) {
     ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r)) ? from->in_field(index[r].row, f, flag) : 0;
+    return from && isPosition(static_cast<int>(r))
+               ? from->in_field(index[static_cast<int>(r)].row, f, flag)
+               : 0;
 }
 
 // -- fields, forwarded --

@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <climits>
 #include <memory>
+#include <span>
 #include <typeinfo>
 #include <unordered_set>
 
@@ -37,27 +38,30 @@ int ODBViewRep::tagAll(bool on) {
     if (!source()) {
         return 0;
     }
-    std::for_each_n(index.get(), held(), [on](IndexEntry& entry) { entry.tag = on ? 1 : 0; });
-    return numIndex;
+    for (ViewIndex::Entry& entry : index.entries()) {
+        entry.tag = on ? 1 : 0;
+    }
+    return index.numIndex();
 }
 
 int ODBViewRep::invertAllTags() {
     if (!source()) {
         return 0;
     }
-    std::for_each_n(index.get(), held(),
-                    [](IndexEntry& entry) { entry.tag = entry.tag == 0 ? 1 : 0; });
-    return numIndex;
+    for (ViewIndex::Entry& entry : index.entries()) {
+        entry.tag = entry.tag == 0 ? 1 : 0;
+    }
+    return index.numIndex();
 }
 
 int ODBViewRep::countTags() const {
-    const int n = source() ? held() : 0;
-    return static_cast<int>(std::count_if(index.get(), index.get() + n,
-                                          [](const IndexEntry& entry) { return entry.tag != 0; }));
+    const std::span entries = index.entries();
+    const auto tagged = [](const ViewIndex::Entry& entry) { return entry.tag != 0; };
+    return source() ? static_cast<int>(std::count_if(entries.begin(), entries.end(), tagged)) : 0;
 }
 
 bool ODBViewRep::tag(int i) {
-    return isPosition(i) && index[static_cast<std::size_t>(i)].tag != 0;
+    return isPosition(i) && index[i].tag != 0;
 }
 
 bool ODBViewRep::notTagged(int i) {
@@ -67,7 +71,7 @@ bool ODBViewRep::notTagged(int i) {
 int ODBViewRep::tagMatches(int keep) {
     ODBBase* const from = source();
     int matches = 0;
-    for (int i = 0; from && i < held(); ++i) {
+    for (int i = 0; from && i < index.held(); ++i) {
         if (from->match_record(sourceRow(i)) != 0) {
             set_tag(static_cast<unsigned>(i), 1);
             ++matches;
@@ -84,7 +88,7 @@ int ODBViewRep::tagDuplicatesOrdered(int field) {
     }
     int duplicates = 0;
     const char* first = get_field(0, field);
-    for (int i = 1; i < numIndex; ++i) {
+    for (int i = 1; i < index.numIndex(); ++i) {
         const char* const text = get_field(static_cast<unsigned>(i), field);
         if (compareIgnoringCase(first, text) == 0) {
             set_tag(static_cast<unsigned>(i), 1);
@@ -113,7 +117,7 @@ int ODBViewRep::tagDuplicates(int field) {
 
 void ODBViewRep::tagBaseFromTags() {
     ODBBase* const from = source();
-    for (int i = 0; from && i < held(); ++i) {
+    for (int i = 0; from && i < index.held(); ++i) {
         from->set_tag(static_cast<unsigned>(sourceRow(i)), tag(i) ? 1 : 0);
     }
 }
@@ -157,19 +161,23 @@ void ODBViewRep::displayAllRecordsWithBaseTagStatus() {
 // -- display --
 
 int ODBViewRep::displayRecordsAt(int row, int n, int at) {
-    if (!source() || n < 0 || n > INT_MAX - numIndex) {
+    const KeepAlive alive{*this};
+    followToTheEnd();
+    if (!source() || n < 0 || n > INT_MAX - index.numIndex()) {
         return 0;
     }
     const int first = clamped(at);
-    sizeIndexFor(numIndex + n);
-    openGap(first, n);
+    sizeIndexFor(index.numIndex() + n);
+    index->openGap(first, n);
     auto shown = static_cast<std::uint32_t>(row);
-    std::for_each_n(index.get() + first, n, [&shown](IndexEntry& entry) { entry.row = shown++; });
-    numIndex += n;
+    std::for_each_n(index.entries().data() + first, n,
+                    [&shown](ViewIndex::Entry& entry) { entry.row = shown++; });
     return n;
 }
 
 bool ODBViewRep::displayMatchAt(const char* field, const char* value, int at) {
+    const KeepAlive alive{*this};
+    followToTheEnd();
     ODBBase* const from = source();
     const int row = from ? from->findFirst(field, value, 0) : -1;
     if (row < 0) {
@@ -182,22 +190,22 @@ bool ODBViewRep::displayMatchAt(const char* field, const char* value, int at) {
 void ODBViewRep::displayTaggedRecordsAt(int at) {
     const KeepAlive alive{*this};
     const LifeSupport lifeSupport;
+    followToTheEnd();
     ODBBase* const from = source();
     if (!from) {
         return;
     }
     const int n = from->get_num_tags();
     const int first = clamped(at);
-    sizeIndexFor(numIndex + n);
-    openGap(first, n);
-    IndexEntry* next = index.get() + first;
-    const IndexEntry* const end = next + n;
+    sizeIndexFor(index.numIndex() + n);
+    index->openGap(first, n);
+    ViewIndex::Entry* next = index.entries().data() + first;
+    const ViewIndex::Entry* const end = next + n;
     for (unsigned i = 0; next < end && i < from->get_num_records(); ++i) {
         if (from->get_tag(i) != 0) {
             (next++)->row = i;
         }
     }
-    numIndex += n;
 }
 
 /// The rows that the source finds for cookies: whatever the chain, it asks the table at its bottom.
@@ -221,6 +229,7 @@ std::vector<int> ODBViewRep::rowsOf(const std::vector<Cookie>& cookies) const {
 int ODBViewRep::displayRecordsAt(const std::vector<Cookie>& cookies, int at) {
     const KeepAlive alive{*this};
     const LifeSupport lifeSupport;
+    followToTheEnd();
     int shown = 0;
     for (const int row : rowsOf(cookies)) {
         if (row >= 0) {
@@ -238,8 +247,8 @@ void ODBViewRep::displayAllRecords() {
     const KeepAlive alive{*this};
     const LifeSupport lifeSupport;
     if (source()) {
-        remove(0, numIndex);
-        followToTheEnd();
+        remove(0, index.numIndex());
+        followToTheEnd(); // with nothing to renumber any more
     }
     if (ODBBase* const from = source()) {
         displayRecordsAt(0, static_cast<int>(from->get_num_records()), 0);
@@ -247,17 +256,23 @@ void ODBViewRep::displayAllRecords() {
 }
 
 int ODBViewRep::displayAllFromAt(ODBViewRep* other, int at) {
-    if (base || !table() || !other || other->base || other->db != db) {
+    if (!other) {
         return 0;
     }
     const KeepAlive alive{*this};
+    const KeepAlive otherAlive{*other};
     const LifeSupport lifeSupport;
+    followToTheEnd();
+    other->followToTheEnd();
+    if (base || !table() || other->base || other->db != db) {
+        return 0;
+    }
     std::unordered_set<const dbrecord*> shown;
-    for (int i = 0; i < numIndex; ++i) {
+    for (int i = 0; i < index.numIndex(); ++i) {
         shown.insert((*this)[i]);
     }
     int added = 0;
-    for (int i = 0; i < other->numIndex; ++i) {
+    for (int i = 0; i < other->index.numIndex(); ++i) {
         const dbrecord* const record = (*other)[i];
         if (record && shown.insert(record).second) {
             added += displayRecordsAt(other->baseIndex(i), 1, behind(at, added));
@@ -267,7 +282,7 @@ int ODBViewRep::displayAllFromAt(ODBViewRep* other, int at) {
 }
 
 int ODBViewRep::find(dbrecord* record) const {
-    for (int i = 0; record && i < held(); ++i) {
+    for (int i = 0; record && i < index.held(); ++i) {
         if ((*this)[i] == record) {
             return i;
         }
@@ -278,22 +293,20 @@ int ODBViewRep::find(dbrecord* record) const {
 // -- removal --
 
 void ODBViewRep::remove(int from, int n) {
-    if (from < 0 || from >= numIndex || n < 0) {
+    if (from < 0 || from >= index.numIndex() || n < 0) {
         return;
     }
-    issueNotification(takeOut(from, std::min(n, numIndex - from)), recordsDeletedType());
+    issueNotification(takeOut(from, std::min(n, index.numIndex() - from)), recordsDeletedType());
 }
 
 /// Takes entries out and gives the message of it, which is to be issued.
 NotifyMsg ODBViewRep::takeOut(int from, int n) {
-    NotifyMsg msg{rowNumbers(static_cast<unsigned>(from), static_cast<unsigned>(n))};
-    auto storage = storageFor(numIndex - n); // first: memory may run out
-    IndexEntry* const entries = index.get();
-    if (n > 0 && from + n < held()) {
-        std::copy(entries + from + n, entries + held(), entries + from);
-    }
-    moveInto(std::move(storage), numIndex - n);
-    numIndex -= n;
+    NotifyMsg msg =
+        hasListeners(recordsDeletedType())
+            ? NotifyMsg{rowNumbers(static_cast<unsigned>(from), static_cast<unsigned>(n))}
+            : NotifyMsg{};
+    index->takeOut(from, n);
+    noteTakenOut(from, n);
     return msg;
 }
 
@@ -302,9 +315,8 @@ NotifyMsg ODBViewRep::takeOut(int from, int n) {
 /// are looked at, or none.
 int ODBViewRep::runLength(int from, int k) const noexcept {
     int length = 1;
-    for (int j = from; j < k - 1 && j + 1 < held(); ++j) {
-        const auto at = static_cast<std::size_t>(j);
-        if (index[at].row + 1 != index[at + 1].row) {
+    for (int j = from; j < k - 1 && j + 1 < index.held(); ++j) {
+        if (index[j].row + 1 != index[j + 1].row) {
             break;
         }
         ++length;
@@ -315,7 +327,7 @@ int ODBViewRep::runLength(int from, int k) const noexcept {
 void ODBViewRep::removeRecordsFromBaseView(int from, int n) {
     const KeepAlive alive{*this};
     for (int left = n; from >= 0 && source();) {
-        const int k = std::min(left, numIndex - from);
+        const int k = std::min(left, index.numIndex() - from);
         if (k < 1) {
             return;
         }
@@ -342,7 +354,7 @@ int ODBViewRep::takeRuns(Selects selects, Take take) {
     int start = -1;
     int taken = 0;
     int i = 0;
-    for (; i < numIndex; ++i) {
+    for (; i < index.numIndex(); ++i) {
         if (selects(i)) {
             start = start < 0 ? i : start;
         } else if (start >= 0) {
@@ -364,6 +376,10 @@ int ODBViewRep::removeSome(Predicate selects) {
         return 0;
     }
     const KeepAlive alive{*this};
+    const bool byTag = selects == &ODBViewRep::tag || selects == &ODBViewRep::notTagged;
+    if (byTag && !base && !following_ && !isHeard() && index.numIndex() <= index.indexSize()) {
+        return index->takeOutTagged(selects == &ODBViewRep::tag);
+    }
     return takeRuns([this, selects](int i) { return (this->*selects)(i); },
                     [this](int from, int n) { removeRecordsFromBaseView(from, n); });
 }
@@ -371,27 +387,29 @@ int ODBViewRep::removeSome(Predicate selects) {
 // -- rows of the table --
 
 int ODBViewRep::insertBlankRecords(int at, int n) {
+    const KeepAlive alive{*this};
+    followToTheEnd();
     ODBBase* const from = source();
-    if (!from || n < 0 || n > INT_MAX - numIndex) {
+    if (!from || n < 0 || n > INT_MAX - index.numIndex()) {
         return 0;
     }
     const int p = clamped(at);
-    if (p != numIndex && !isPosition(p)) {
+    if (p != index.numIndex() && !isPosition(p)) {
         return 0; // counted, but without storage: there is no row to insert before
     }
     auto first = static_cast<std::uint32_t>(sourceRow(p));
-    sizeIndexFor(numIndex + n); // first, so that the table changes only where the view can follow
-    if (p == numIndex) {
+    // First, so that the table changes only where the view can follow.
+    sizeIndexFor(index.numIndex() + n);
+    if (p == index.numIndex()) {
         first = from->get_num_records();
         from->add_records(n);
     } else {
         from->insert_records(first, static_cast<unsigned>(n));
     }
     const auto shift = static_cast<std::uint32_t>(n);
-    openGap(p, n);
-    numIndex += n;
-    for (int i = p; i < numIndex; ++i) {
-        std::uint32_t& row = index[static_cast<std::size_t>(i)].row;
+    index->openGap(p, n);
+    for (int i = p; i < index.numIndex(); ++i) {
+        std::uint32_t& row = index[i].row;
         row = i < p + n ? first + static_cast<std::uint32_t>(i - p) : row + shift;
     }
     return n;
@@ -402,7 +420,7 @@ int ODBViewRep::deleteRecords(int from, int n) {
     int handled = 0;
     for (int left = n; from >= 0;) {
         ODBBase* const rows = source();
-        const int k = std::min(left, numIndex - from);
+        const int k = std::min(left, index.numIndex() - from);
         if (k < 1 || !rows || !isPosition(from)) { // also one counted, but without storage
             return handled;
         }
@@ -429,8 +447,8 @@ int ODBViewRep::deleteTagged() {
 // -- copies --
 
 void ODBViewRep::copyTagsTo(ODBViewRep& other) const {
-    for (int i = 0; i < held(); ++i) {
-        other.set_tag(static_cast<unsigned>(i), index[static_cast<std::size_t>(i)].tag);
+    for (int i = 0; i < index.held(); ++i) {
+        other.set_tag(static_cast<unsigned>(i), index[i].tag);
     }
 }
 
@@ -456,7 +474,7 @@ ODBViewRep* ODBViewRep::copyWithNewBaseView() {
     }
     auto table = std::make_unique<oledb>(*db, 1);
     auto view = std::make_unique<ODBViewRep>(table.get());
-    for (int i = 0; i < numIndex; ++i) {
+    for (int i = 0; i < index.numIndex(); ++i) {
         if ((*this)[i]) {
             view->displayRecordsAt(baseIndex(i), 1, i);
         }

@@ -36,7 +36,7 @@ int ODBViewRep::saveAsText(LightweightString<wchar_t> name, bool noRecords) {
     writeHeading(file);
     const int tagCol = get_fieldnum("Tag");
     int reached = 0;
-    for (; !noRecords && reached < held(); ++reached) {
+    for (; !noRecords && reached < index.held(); ++reached) {
         const dbrecord* const record = (*this)[reached];
         if (!record) {
             break;
@@ -63,7 +63,7 @@ int ODBViewRep::saveOnlyTagged(LightweightString<wchar_t> name) {
     file.stream(name, lineEnds);
     writeHeading(file);
     int reached = 0;
-    for (; reached < held(); ++reached) {
+    for (; reached < index.held(); ++reached) {
         const dbrecord* const record = (*this)[reached];
         if (!record || (record->tag() != 0 && record->write(file) == 0)) {
             break;

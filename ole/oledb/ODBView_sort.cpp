@@ -56,14 +56,15 @@ int odbViewSortFn(const void* a, const void* b) {
     if (!from) {
         return 0;
     }
-    const auto& first = *static_cast<const ODBViewRep::IndexEntry*>(a);
-    const auto& second = *static_cast<const ODBViewRep::IndexEntry*>(b);
+    const auto& first = *static_cast<const ViewIndex::Entry*>(a);
+    const auto& second = *static_cast<const ViewIndex::Entry*>(b);
     return compareRecords(from->get_record(first.row), from->get_record(second.row));
 }
 
 void ODBViewRep::sort(int dirn, int x) {
     const KeepAlive alive{*this}; // the watchdog is the host's
     const LifeSupport lifeSupport;
+    followToTheEnd();
     if (ODBBase* const from = source()) {
         sortDirection = dirn;
         from->sortPrepare(dirn, x);
@@ -74,7 +75,7 @@ void ODBViewRep::sort(int dirn, int x) {
 
 /// Each record is looked up once, not once a comparison.
 void ODBViewRep::sortEntries() {
-    const std::span entries{index.get(), static_cast<std::size_t>(held())};
+    const std::span entries = index.entries();
     LargeVector<dbrecord*> records(entries.size());
     for (std::size_t i = 0; i < records.size(); ++i) {
         records[i] = (*this)[static_cast<int>(i)];

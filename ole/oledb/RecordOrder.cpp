@@ -9,6 +9,7 @@
 
 #include "ole/oledb/dbrecord.h"
 #include "ole/oledb/dbsort.h"
+#include "ole/oledb/RowsAhead.h"
 #include "ole/oledb/SortKey.h"
 #include "ole/oledb/StableSort.h"
 
@@ -85,36 +86,8 @@ private:
     unsigned comparisons_ = 0; // goes round, as `comco` does
 };
 
-/// Asks for the memory of the records that come next, and of their values: each step on the way to
-/// a text waits for the memory otherwise.
-class Ahead {
-public:
-    Ahead(std::span<dbrecord* const> records, const SortRules& rules)
-        : records_{records}, rules_{rules} {}
-
-    void reach(std::size_t at) const noexcept {
-        if (at + 3 * step < records_.size()) {
-            __builtin_prefetch(records_[at + 3 * step]);
-            for (const int field : rules_.fields) {
-                __builtin_prefetch(&valueOf(at + 2 * step, field));
-                __builtin_prefetch(valueOf(at + step, field).c_str());
-            }
-        }
-    }
-
-private:
-    static constexpr std::size_t step = 8;
-
-    [[nodiscard]] const LightweightString<char>& valueOf(std::size_t at, int field) const noexcept {
-        return records_[at]->getField(static_cast<unsigned short>(field));
-    }
-
-    std::span<dbrecord* const> records_;
-    const SortRules& rules_;
-};
-
 void KeySort::writeKeys(const SortRules& rules) {
-    const Ahead ahead{records_, rules};
+    RowsAhead ahead{records_.size(), rules.fields, [this](std::size_t at) { return records_[at]; }};
     SortKey key{rules};
     moreWords_.reserve(3 * std::min(sample, records_.size()));
     for (std::uint32_t i = 0; i < records_.size(); ++i) {

@@ -23,9 +23,24 @@ void RowArray::reserve(std::size_t slots) {
     if (slots <= physical_) {
         return;
     }
+    moveGap(count_);
     const std::size_t wanted = std::max(slots, 2 * physical_);
     rows_ = static_cast<dbrecord**>(OS().reallocate(rows_, wanted * sizeof(dbrecord*)));
     physical_ = wanted;
+}
+
+void RowArray::moveGap(unsigned to) noexcept {
+    const std::size_t size = gapSize();
+    if (size == 0) {
+        gap_ = to;
+        return;
+    }
+    if (to < gap_) {
+        std::copy_backward(rows_ + to, rows_ + gap_, rows_ + gap_ + size);
+    } else if (to > gap_) {
+        std::copy(rows_ + gap_ + size, rows_ + to + size, rows_ + gap_);
+    }
+    gap_ = to;
 }
 
 void RowArray::makeRoomFor(unsigned rows) {
@@ -51,24 +66,28 @@ void RowArray::raiseCount(unsigned rows) noexcept {
 }
 
 void RowArray::append(std::unique_ptr<dbrecord> row) noexcept {
-    rows_[count_] = row.release();
+    moveGap(count_);
+    rows_[gap_++] = row.release();
     raiseCount(1);
 }
 
 void RowArray::insert(unsigned at, std::vector<std::unique_ptr<dbrecord>>& rows) noexcept {
-    std::copy_backward(rows_ + at, rows_ + count_, rows_ + count_ + rows.size());
+    moveGap(at);
     std::transform(rows.begin(), rows.end(), rows_ + at, [](auto& row) { return row.release(); });
+    gap_ += static_cast<unsigned>(rows.size());
     raiseCount(static_cast<unsigned>(rows.size()));
 }
 
 void RowArray::remove(unsigned from, unsigned n) noexcept {
+    moveGap(from + n);
     std::for_each(rows_ + from, rows_ + from + n, [](dbrecord* row) { delete row; });
-    std::copy(rows_ + from + n, rows_ + count_, rows_ + from);
+    gap_ = from;
     count_ -= n;
 }
 
 void RowArray::clear() noexcept {
-    std::for_each(rows_, rows_ + count_, [](dbrecord* row) { delete row; });
+    dbrecord** const rows = data();
+    std::for_each(rows, rows + count_, [](dbrecord* row) { delete row; });
     OS().reallocate(rows_, 0);
     abandon();
 }
@@ -78,9 +97,14 @@ void RowArray::abandon() noexcept {
     count_ = 0;
     capacity_ = 0;
     physical_ = 0;
+    gap_ = 0;
 }
 
 unsigned RowArray::find(const dbrecord* row) const noexcept {
-    const auto* const found = std::find(rows_, rows_ + count_, row);
-    return found == rows_ + count_ ? ~0U : static_cast<unsigned>(found - rows_);
+    for (unsigned i = 0; i < count_; ++i) {
+        if (at(i) == row) {
+            return i;
+        }
+    }
+    return ~0U;
 }

@@ -1,5 +1,5 @@
 // A row: slots of text, the conversions into and out of them, and the export into a configuration
-// block. Every write goes through `storeText` and `noteChanged`.
+// block. Every write of a single value ends in `noteChanged`.
 
 #include "ole/oledb/dbrecord.h"
 
@@ -67,12 +67,12 @@ LightweightString<char> withoutLeadingBlanks(const LightweightString<char>& valu
     return !text.empty() && text.size() == value.size() ? value : LightweightString<char>{text};
 }
 
-const LightweightString<char>& sharedEmptyString() {
+} // namespace
+
+const LightweightString<char>& dbrecord::emptyValue() {
     static const LightweightString<char> empty{""};
     return empty;
 }
-
-} // namespace
 
 dbrecord::dbrecord(unsigned short n) : values_{n}, size_{n}, nfields_{n} {}
 
@@ -128,6 +128,19 @@ int dbrecord::set_field(int i, const char* s, bool skipBlanks) {
     return 1;
 }
 
+int dbrecord::set_string(int i, const LightweightString<char>& text) {
+    if (i < 0 || i >= size_) {
+        return 0;
+    }
+    LightweightString<char>& held = values_[static_cast<std::size_t>(i)];
+    LightweightString<char> stored = withoutLeadingBlanks(text);
+    if (!stored.empty() || !held.empty()) {
+        held = std::move(stored);
+    }
+    noteChanged(i);
+    return 1;
+}
+
 int dbrecord::set_field(int i, int v) {
     return set_field(i, Tarn::decimal(v).c_str(), true);
 }
@@ -167,10 +180,6 @@ void dbrecord::setFromStringList(const StringList& list) {
 
 const char* dbrecord::get_field(unsigned short i) const {
     return i < nfields_ ? getField(i).c_str() : nullptr;
-}
-
-const LightweightString<char>& dbrecord::getField(unsigned short i) const {
-    return i < nfields_ && i < values_.size() ? values_[i] : sharedEmptyString();
 }
 
 int dbrecord::in_field(int i, char* dst, int len) const {

@@ -67,6 +67,9 @@ public:
     /// as "". With `skipBlanks`, leading ASCII white space is dropped. A text that comes out empty
     /// leaves a null slot null. Trailing blanks stay. The text may point into the slot itself.
     int set_field(int i, const char* s, bool skipBlanks = true);
+    /// As `set_field` with `skipBlanks`, but a text without leading white space is shared, not
+    /// copied.
+    int set_string(int i, const LightweightString<char>& text);
     /// Stores a number in decimal.
     int set_field(int i, int v);
     /// Stores a time in seconds with eight decimals. The invalid time 1e99 is reported on standard
@@ -100,7 +103,9 @@ public:
     /// slot is next written, wherever the record or the slot moves meanwhile.
     [[nodiscard]] const char* get_field(unsigned short i) const;
     /// The string of slot i; one shared empty string when i is not below `nfields`.
-    [[nodiscard]] const LightweightString<char>& getField(unsigned short i) const;
+    [[nodiscard]] const LightweightString<char>& getField(unsigned short i) const {
+        return i < nfields_ && i < values_.size() ? values_[i] : emptyValue();
+    }
     /// Copies at most `len` bytes of slot i to `dst` and fills it with zero bytes up to and
     /// including dst[len]: `dst` holds len + 1 bytes. Bounded by the slots, not by `nfields`.
     /// Returns 1; 0, touching nothing, when there is no such slot, `dst` is null or `len` is
@@ -142,12 +147,14 @@ public:
 private:
     friend class oledb;
 
+    static const LightweightString<char>& emptyValue();
     void storeText(std::size_t slot, std::string_view text);
     void noteChanged(int slot);
-    /// `read` for one of many rows, which share their equal values.
-    int read(TextFile& file, RecentValues& recent);
+    /// `read` for one of many rows, which share their equal values; the caller tells the table.
+    /// False where there is no line.
+    bool readOneOfMany(TextFile& file, RecentValues& recent);
     template <class StringOf>
-    int readLine(TextFile& file, StringOf stringOf);
+    bool readLine(TextFile& file, StringOf stringOf);
     /// Raises each column's width to that of its value here.
     void widen(std::vector<unsigned>& widths) const;
     /// `write` with a line buffer that a caller reuses over many rows.

@@ -146,41 +146,6 @@ std::uint64_t holdsEscaped(std::uint64_t word) {
     return Tarn::hasByte(word, '"') | Tarn::hasByte(word, '\n') | Tarn::hasByte(word, '\r');
 }
 
-bool isEscaped(char c) {
-    return c == '"' || c == '\n' || c == '\r';
-}
-
-/// Copies a text of fewer than eight bytes as `copyPlain` does.
-bool copyFew(char* to, std::string_view text) {
-    if (text.size() < 4) {
-        std::copy(text.begin(), text.end(), to);
-        return std::none_of(text.begin(), text.end(), isEscaped);
-    }
-    const std::size_t last = text.size() - 4;
-    const std::uint32_t front = Tarn::fourBytes(text.data());
-    const std::uint32_t back = Tarn::fourBytes(text.data() + last);
-    std::memcpy(to, &front, sizeof(front));
-    std::memcpy(to + last, &back, sizeof(back));
-    return holdsEscaped(std::uint64_t{front} << 32 | back) == 0;
-}
-
-/// Copies a text that holds nothing to escape; false, with any bytes written, where it does.
-bool copyPlain(char* to, std::string_view text) {
-    if (text.size() < 8) {
-        return copyFew(to, text);
-    }
-    std::uint64_t escaped = 0;
-    const std::size_t last = text.size() - 8;
-    for (std::size_t i = 0; i < last; i += 8) {
-        const std::uint64_t word = Tarn::eightBytes(text.data() + i);
-        std::memcpy(to + i, &word, sizeof(word));
-        escaped |= holdsEscaped(word);
-    }
-    const std::uint64_t word = Tarn::eightBytes(text.data() + last);
-    std::memcpy(to + last, &word, sizeof(word));
-    return (escaped | holdsEscaped(word)) == 0;
-}
-
 /// Writes a text escaped, at most twice its length; returns the end.
 char* copyEscaped(char* to, std::string_view text) {
     for (const char c : text) {
@@ -202,37 +167,42 @@ char* copyEscaped(char* to, std::string_view text) {
     return to;
 }
 
+/// Writes a value in quotes, at most twice its length and two bytes; returns the end.
+char* writeQuoted(char* to, std::string_view text) {
+    *to++ = '"';
+    const bool isPlain = Tarn::copyMarking(to, text, holdsEscaped) == 0;
+    to = isPlain ? to + text.size() : copyEscaped(to, text);
+    *to++ = '"';
+    return to;
+}
+
 } // namespace
 
 void appendQuotedValue(Tarn::LineBuffer& line, std::string_view text) {
-    char* to = line.roomFor(2 * text.size() + 2);
-    *to++ = '"';
-    if (!copyPlain(to, text)) {
-        to = copyEscaped(to, text);
-    } else {
-        to += text.size();
-    }
-    *to++ = '"';
-    line.takeUpTo(to);
+    line.takeUpTo(writeQuoted(line.roomFor(2 * text.size() + 2), text));
 }
 
 int dbrecord::read(TextFile& file) {
-    return readLine(
+    const bool lineThere = readLine(
         file, [](std::size_t, std::string_view text) { return LightweightString<char>{text}; });
+    if (lineThere && container_) {
+        container_->rowRead();
+    }
+    return lineThere ? nfields_ : 0;
 }
 
-int dbrecord::read(TextFile& file, RecentValues& recent) {
+bool dbrecord::readOneOfMany(TextFile& file, RecentValues& recent) {
     return readLine(file, [&recent](std::size_t slot, std::string_view text) {
         return recent.stringOf(slot, text);
     });
 }
 
-/// Reads a line; `stringOf` makes the string of a slot's text.
+/// Reads a line; `stringOf` makes the string of a slot's text. False where there is none.
 template <class StringOf>
-int dbrecord::readLine(TextFile& file, StringOf stringOf) {
+bool dbrecord::readLine(TextFile& file, StringOf stringOf) {
     const std::string_view line = lineToParse(file);
     if (line.empty()) {
-        return 0;
+        return false;
     }
     FieldScanner fields{line};
     unsigned found = 0;
@@ -245,10 +215,7 @@ int dbrecord::readLine(TextFile& file, StringOf stringOf) {
     }
     nfields_ = static_cast<unsigned short>(found + (fields.endedByComma() ? 1 : 0));
     changed_ = 1;
-    if (container_) {
-        container_->rowRead();
-    }
-    return nfields_;
+    return true;
 }
 
 int dbrecord::write(TextFile& file) const {
@@ -259,10 +226,12 @@ int dbrecord::write(TextFile& file) const {
 int dbrecord::writeLine(TextFile& file, Tarn::LineBuffer& line) const {
     line.clear();
     for (unsigned short i = 0; i < nfields_; ++i) {
+        const std::string_view text = i < values_.size() ? values_[i].view() : std::string_view{};
+        char* to = line.roomFor(2 * text.size() + 3);
         if (i != 0) {
-            line.append(',');
+            *to++ = ',';
         }
-        appendQuotedValue(line, getField(i).view());
+        line.takeUpTo(writeQuoted(to, text));
     }
     file.appendLine(line.view());
     changed_ = 0;

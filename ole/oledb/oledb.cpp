@@ -179,7 +179,7 @@ int oledb::delete_records(unsigned from, unsigned n) {
     }
     const unsigned deleted = std::min(n, rows_.count() - from);
     const int type = recordsDeletedType();
-    const NotifyMsg msg{rowNumbers(from, deleted)};
+    const NotifyMsg msg = hasListeners(type) ? NotifyMsg{rowNumbers(from, deleted)} : NotifyMsg{};
     rows_.remove(from, deleted);
     forgetCookies();
     changed_ = 1;

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "ole/ole.h"
+#include "ole/oledb/CookieIndex.h"
 #include "ole/oledb/dbrecord.h"
 #include "ole/oledb/ODBBase.h"
 #include "ole/oledb/RowArray.h"
+#include "ole/oledb/TextPattern.h"
 #include "tarn/Cookie.h"
 #include "tarn/LightweightString.h"
 #include "tarn/Notifier.h"
@@ -14,7 +16,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 class TextFile;
@@ -92,7 +93,7 @@ public:
     /// Replaces the table by the contents of its file, at most `maxRows` rows (0: parameters and
     /// columns only). `get_valid` tells whether that succeeded. A row that does not fit ends the
     /// loading with the rows before it, and error 1. Without `requireHeader`, a file without header
-    /// is taken too: its first line names the columns. Linear in the file's size.
+    /// is taken too: its first line names the columns. Linear in what is read.
     void loadFromFile(int maxRows, bool requireHeader);
     /// Retired. Reports a failed check, then appends at most `maxRows` rows of the table's file,
     /// its heading read as rows, and returns how many: for a file with a header and more than one
@@ -127,15 +128,16 @@ public:
     // -- rows --
 
     /// Puts n empty rows before row `at`, behind the last for any `at` beyond it. Returns n; 0 in
-    /// show-tags-only mode. Sends nothing. Linear in n and the rows behind.
+    /// show-tags-only mode. Sends nothing. Linear in n and the rows between `at` and the last place
+    /// where rows came or went.
     int insert_records(unsigned at, unsigned n) override;
     /// Deletes n rows from `from` on, or as many as there are. Returns how many; 0, sending
-    /// nothing, for none and in show-tags-only mode. Sends "recordsDeleted". Linear in the rows
-    /// behind.
+    /// nothing, for none and in show-tags-only mode. Sends "recordsDeleted". Linear in n and the
+    /// rows between `from` and the last place where rows came or went; views see to themselves.
     int delete_records(unsigned from, unsigned n) override;
     /// Deletes the rows whose tag is 1, each run of them with one message; returns how many, -1 in
-    /// show-tags-only mode. Listeners may change the table meanwhile. Linear in the rows while
-    /// nobody listens to "recordsDeleted", else R for each run.
+    /// show-tags-only mode. Listeners may change the table meanwhile. Linear in the rows; views see
+    /// to themselves.
     int delete_tagged_records() override;
     /// The number of rows; in show-tags-only mode, of those shown.
     [[nodiscard]] unsigned get_num_records() const override;
@@ -382,8 +384,8 @@ private:
 
     static constexpr int currentRevision = 1;
     static constexpr const char* cookieField = "cookie";
-    using CookieMap = std::unordered_map<Cookie, unsigned, CookieHash>;
 
+    class QueryTerm;
     struct Param {
         LightweightString<char> name;
         LightweightString<char> value;
@@ -405,6 +407,7 @@ private:
     void rowWritten(int slot) noexcept;
     void rowRead() noexcept;
 
+    void loadFromText(TextFile& file, int maxRows, bool requireHeader);
     bool readHeader(TextFile& file, dbrecord& scratch, int fieldsFound, bool requireHeader);
     void takeFieldCount(int found);
     bool readColumns(TextFile& file, dbrecord& scratch);
@@ -417,14 +420,16 @@ private:
     void readRevision(const char* line);
     void writeTagColumn();
     bool saveRows(bool namesOnly, bool taggedOnly);
-    void buildCookieMap() const;
-    [[nodiscard]] std::unordered_map<std::string_view, int> rowsByText(int col) const;
+    void buildCookieIndex() const;
+    void fillCookieIndex(CookieIndex& index, int col, unsigned n) const;
+    [[nodiscard]] std::vector<int> firstRowsOf(const std::vector<LightweightString<char>>& texts,
+                                               int col) const;
     [[nodiscard]] bool equalColumns(const oledb& other) const;
     void computeSpecialLabels();
-    [[nodiscard]] int labelRangeHolds(const dbrecord& record, std::string_view query, int startCol,
-                                      int endCol) const;
-    [[nodiscard]] bool wordEndsAround(const char* text, const char* first,
-                                      const char* behind) const;
+    [[nodiscard]] std::vector<QueryTerm> queryTerms() const;
+    [[nodiscard]] TextPattern patternOf(const char* text, bool timecode) const noexcept;
+    template <class Matches>
+    int tagRows(bool keep, Matches matches);
 
     int revision_ = 1;
     std::array<LightweightString<char>, maxFields> fieldNames_;
@@ -447,7 +452,7 @@ private:
     long long modifiedTime_ = 0;
     CookieVec pendingCookies_;
     unsigned updateDepth_ = 0;
-    mutable CookieMap cookieMap_;
+    mutable CookieIndex cookieIndex_;
     mutable bool noCookieFound_ =
         false; // the index was built and is empty; a cookie written as text ends that
     std::map<LightweightString<char>, unsigned, StrCmpCI> fieldNameMap_;

@@ -215,9 +215,15 @@ bool oledb::readHeader(TextFile& file, dbrecord& scratch, int fieldsFound, bool 
 void oledb::loadFromFile(int maxRows, bool requireHeader) {
     free();
     TextFile file;
-    if (!file.load(filename_, '\n', false)) {
-        return;
+    if (file.streamFrom(filename_, '\n')) {
+        loadFromText(file, maxRows, requireHeader);
     }
+    if (file.streamFailed()) {
+        free(); // no part of a file is taken for it
+    }
+}
+
+void oledb::loadFromText(TextFile& file, int maxRows, bool requireHeader) {
     dbrecord scratch{headingFields};
     const int found = read_params(file, &scratch);
     if (!readHeader(file, scratch, found, requireHeader)) {
@@ -268,13 +274,22 @@ int oledb::add_text(TextFile& file, int skipFirst, int maxRows) {
     RecentValues recent{numFields_};
     while (appended < maxRows) {
         auto row = newRow();
-        if (row->read(file, recent) == 0 || !rowFillsFields(*row, appended) ||
+        if (!row->readOneOfMany(file, recent)) {
+            break;
+        }
+        if (appended == 0) {
+            rowRead(); // the clock would cost more than a value, so the others count at the end
+        }
+        if (row->nfields() == 0 || !rowFillsFields(*row, appended) ||
             !replaceHeadingLines(file, *row, skipFirst != 0 && appended == 0)) {
             break;
         }
         rows_.makeRoomFor(1);
         rows_.append(std::move(row));
         ++appended;
+    }
+    if (appended != 0) {
+        rowRead();
     }
     return appended;
 }

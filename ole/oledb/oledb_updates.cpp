@@ -3,8 +3,10 @@
 #include "misc/configb.h"
 #include "ole/oledb/messageTypes.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/RowsAhead.h"
 #include "tarn/NotifyMsg.h"
 
+#include <span>
 #include <utility>
 
 int oledb::set_field(unsigned row, const Cookie& cookie) {
@@ -27,7 +29,7 @@ int oledb::set_field(unsigned row, const Cookie& cookie) {
 
 void oledb::noteCookie(const Cookie& cookie, unsigned row) {
     try {
-        cookieMap_[cookie] = row;
+        cookieIndex_.set(cookie, row);
     } catch (...) {
         forgetCookies(); // better none than one that lacks this row
         throw;
@@ -35,36 +37,38 @@ void oledb::noteCookie(const Cookie& cookie, unsigned row) {
 }
 
 void oledb::forgetCookies() const noexcept {
-    if (!cookieMap_.empty()) {
-        CookieMap{}.swap(
-            cookieMap_); // an emptied map would keep its size, and clearing it again its cost
-    }
+    cookieIndex_ = {};
     noCookieFound_ = false;
 }
 
-void oledb::buildCookieMap() const {
+void oledb::buildCookieIndex() const {
     const int col = get_fieldnum(cookieField);
     const unsigned n = col < 0 ? 0 : get_num_records();
-    CookieMap found;
+    CookieIndex found{n};
+    fillCookieIndex(found, col, n);
+    cookieIndex_ = std::move(found);
+    noCookieFound_ = cookieIndex_.empty() && n != 0;
+}
+
+/// The first of several rows is kept.
+void oledb::fillCookieIndex(CookieIndex& index, int col, unsigned n) const {
+    RowsAhead ahead{n, std::span{&col, 1},
+                    [this](std::size_t row) { return get_record(static_cast<unsigned>(row)); }};
+    CookieIndex::Filler filler{index};
     for (unsigned row = 0; row < n; ++row) {
-        const Cookie cookie{get_field(row, col), false};
-        if (cookie.valid()) {
-            found.emplace(cookie, row); // the first of several rows is kept
-        }
+        ahead.reach(row);
+        filler.add(Cookie{get_field(row, col), false}, row);
     }
-    cookieMap_.swap(found);
-    noCookieFound_ = cookieMap_.empty() && n != 0;
 }
 
 int oledb::getRowIndexByID(const Cookie& cookie) const {
     if (!cookie.valid()) {
         return -1;
     }
-    if (cookieMap_.empty() && !noCookieFound_) {
-        buildCookieMap();
+    if (cookieIndex_.empty() && !noCookieFound_) {
+        buildCookieIndex();
     }
-    const auto found = cookieMap_.find(cookie);
-    return found == cookieMap_.end() ? -1 : static_cast<int>(found->second);
+    return cookieIndex_.rowOf(cookie);
 }
 
 void oledb::beginUpdate() {

@@ -154,6 +154,9 @@ std::string numberRead(Size n) {
     table->in_field(0, 0, number);
     const NotifyMsg msg{LightweightString<char>{to_string(n).c_str()}};
     EXPECT_EQ(NotifyMsgTokenIterator{msg}.number(), number);
+    int negative = 0;
+    makeTable({"a"}, {{"-" + to_string(n + 1)}})->in_field(0, 0, negative);
+    EXPECT_EQ(negative, -static_cast<long long>(std::min<Size>(n + 1, 2'147'483'648)));
     return static_cast<Size>(number) == n ? "" : to_string(number);
 }
 
@@ -203,7 +206,7 @@ std::string viewEntries(Size n) {
     const auto table = makeTable({"a"}, {{"x"}});
     const ODBView view = viewOfAll(*table);
     const int more = static_cast<int>(n - 1);
-    view->insert_records(1, static_cast<unsigned>(more));
+    EXPECT_EQ(view->insert_records(1, static_cast<unsigned>(more)), 0);
     return view->displayRecordsAt(0, more, 0) == 0 && view->count() == 1 &&
                    table->get_num_records() == 1
                ? "unchanged"
@@ -249,6 +252,11 @@ std::string lineBeforeLastName(Size n) {
     return loaded.table.get_valid() != 0 ? "" : errorOf(loaded.table);
 }
 
+std::string lineOfTypes(Size n) {
+    const Loaded loaded{"OLEDB\n4,4\n" + filled(n - 1) + ",\na,b\nv,w\n"};
+    return loaded.table.get_valid() != 0 ? "" : errorOf(loaded.table);
+}
+
 std::string savedValue(Size n) {
     return cutFrom(n, Loaded{*makeTable({"a"}, {{filled(n)}})}.table.get_field(0, 0));
 }
@@ -274,6 +282,19 @@ std::string savedContainer(Size nameBytes, Size attributes) {
     const bool kept =
         attributes == 0 || read.getAttrib(("k" + to_string(attributes)).c_str()) == "v";
     return cutFrom(nameBytes, read.getName().view()) + (kept ? "" : "not kept");
+}
+
+/// Its first step writes a file whose name is four bytes longer.
+std::string containerFileName(Size n) {
+    std::vector<DBFieldDesc> items = descriptors({"Cookie"});
+    const TemporaryFolder folder;
+    for (const char* const name : {"first", "second"}) {
+        TarnContainerFile::Writer writer{items.data()};
+        writer.setName(name);
+        writer.save(folder.wide(filled(n)));
+    }
+    const TarnContainerFile::Reader read{folder.wide(filled(n)), true};
+    return read.getName() == "second" ? "" : read.getName().c_str();
 }
 
 // -- logs --
@@ -358,6 +379,8 @@ std::string hours(Size n) {
 
 std::string secondsOfDate(Size n) {
     const EnvironmentVariable zone{"TZ", "UTC0"};
+    EXPECT_STREQ(date_def{"-67768040609740800"}.get_all(0).c_str(), "-2147481748-01-01 00:00:00");
+    EXPECT_STREQ(date_def{"-67768040609740801"}.get_all(0).c_str(), "");
     return date_def{to_string(n).c_str()}.get_all(0).empty() ? "no date" : "";
 }
 
@@ -516,9 +539,11 @@ const Limit limits[] = {
     {"bytes of a line that are read", lineBeforeLastValue, "1 0 0 0"},
     {"bytes of a line that are read", lineOfNames, "1 cut"},
     {"bytes of a line that are read", lineBeforeLastName, "3 4 0 0"},
+    {"bytes of a line that are read", lineOfTypes, "3 3 0 0"},
     {"bytes of a value in a saved table of one column", savedValue, "1 cut"},
     {"bytes of a parameter in a saved table, name and value", savedParameter, "1 cut"},
     {"bytes of a container's name", [](Size n) { return savedContainer(n, 0); }, "1 cut"},
+    {"bytes of a container's file name", containerFileName, "first"},
     {"attributes of a container besides its name and permanence", [](Size n) { return savedContainer(1, n); }, "not kept"},
     {"parameters that an empty table takes from a log", logParameters, "not kept"},
     {"characters of a key number without a mark", [](Size n) { return keyNumber(filled(n), filled(n)); }, "stored as \"\""},

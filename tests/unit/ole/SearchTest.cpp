@@ -2,6 +2,7 @@
 
 #include "ole/oledb/oledb.h"
 #include "support/Captured.h"
+#include "support/Random.h"
 #include "support/SearchModel.h"
 #include "support/Tables.h"
 
@@ -81,6 +82,40 @@ TEST(Search, FindsWhatTheSlowSearchFinds) {
     EXPECT_LT(open * 100, seen) << "the model settles nearly everything";
 }
 
+/// A stretch of a text with one character changed, which the search may or may not find in it.
+std::string nearlyIn(const std::string& text, Random& random) {
+    const auto length = static_cast<unsigned>(text.size());
+    std::string stretch = text.substr(random.below(length), 1 + random.below(12));
+    stretch[random.below(static_cast<unsigned>(stretch.size()))] = random.oneIn(2) ? '?' : 'b';
+    return stretch;
+}
+
+// Texts of eight characters and more are first looked through for two characters of the pattern.
+TEST(Search, FindsInLongTextsWhatTheSlowSearchFinds) {
+    int found = 0;
+    forSeeds(200, [&](Random& random) {
+        SearchModel model;
+        model.caseSensitive = random.oneIn(3);
+        model.wholeWord = random.oneIn(3);
+        model.timecode = random.oneIn(3);
+        oledb table;
+        table.caseSensitiveSearch = model.caseSensitive ? 1 : 0;
+        table.wholeWordSearch = model.wholeWord ? 1 : 0;
+        for (int i = 0; i < 200; ++i) {
+            const std::string text = random.text("aAbB:`\xC1\xE1 ", 40) + 'b';
+            const std::string pattern =
+                random.oneIn(2) ? nearlyIn(text, random) : random.text("aAb?;@\xC1", 4);
+            const int expected = agreed(model, text, pattern);
+            if (expected >= 0) {
+                ASSERT_EQ(table.found_in(text.c_str(), pattern.c_str(), model.timecode), expected)
+                    << "'" << text << "' '" << pattern << "'";
+                found += expected;
+            }
+        }
+    });
+    EXPECT_GT(found, 8000);
+}
+
 /// The rows of a table that match a query, "0 2".
 std::string matches(oledb& table, const Texts& query) {
     dbrecord record{static_cast<unsigned short>(query.size())};
@@ -93,6 +128,12 @@ std::string matches(oledb& table, const Texts& query) {
         if (table.match_record(static_cast<int>(i)) == 1) {
             rows += (rows.empty() ? "" : " ") + std::to_string(i);
         }
+    }
+    table.set_all_tags(1);
+    const int tagged = table.tag_matching_records(0);
+    EXPECT_EQ(tagged, table.get_num_tags());
+    for (unsigned i = 0; i < table.get_num_records(); ++i) {
+        EXPECT_EQ(table.get_tag(i), table.match_record(static_cast<int>(i))) << "row " << i;
     }
     table.set_query(nullptr);
     return rows;

@@ -234,6 +234,12 @@ TEST_F(TableFile, AppendingRowsFromATextFile) {
     Captured said;
     EXPECT_EQ(table->add_text(file, 1, 9), 0) << "nothing behind the skipped line";
     EXPECT_EQ(said.console, "oledb::add_text: returning because no more lines\n");
+
+    oledb columnless{static_cast<const DBFieldDesc*>(nullptr)};
+    columnless.clear_changed();
+    file.setLine(0);
+    EXPECT_EQ(columnless.add_text(file, 0, 9), 0);
+    EXPECT_EQ(columnless.get_changed(), 1) << "a line was read";
 }
 
 TEST_F(TableFile, AppendingStopsAtAFullChunk) {

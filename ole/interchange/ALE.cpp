@@ -14,6 +14,7 @@
 #include "ole/interchange/AleColumns.h"
 #include "ole/interchange/KeyNumber.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/RecentValues.h"
 #include "ole/Tarn/Vector.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
@@ -22,6 +23,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -102,11 +104,26 @@ Layout scanHeading(const TextFile& file) {
     return layout;
 }
 
-/// A field that columns go to, and what it holds of the row at hand.
+/// A field that columns go to, and what it holds of the row at hand: a slice of the line, or of
+/// what was joined.
 struct Target {
     int field;
     std::size_t firstColumn;
-    std::string value;
+    std::string_view value;
+    std::string joined;
+    bool isJoined;
+
+    /// Makes `joined` hold the value and no more; its text is copied the first time only.
+    void keepValue() {
+        if (isJoined) {
+            const auto front = static_cast<std::size_t>(value.data() - joined.data());
+            joined.resize(front + value.size());
+            joined.erase(0, front);
+        } else {
+            joined = value;
+            isJoined = true;
+        }
+    }
 };
 
 /// One import: the table, the log, and where the log's columns go.
@@ -123,6 +140,8 @@ public:
         }
         setParameters();
         mapColumns();
+        findFilmLabel();
+        recent_ = RecentValues{targets_.size()};
         for (auto i = static_cast<unsigned>(layout_.firstDataLine); i < file_.numLines(); ++i) {
             addRow(i);
         }
@@ -176,7 +195,7 @@ private:
                          [field](const auto& entry) { return entry.field == field; });
         const auto index = known - targets_.begin();
         if (known == targets_.end()) {
-            targets_.push_back({field, columns_.size(), {}});
+            targets_.push_back({field, columns_.size(), {}, {}, false});
         }
         return static_cast<int>(index);
     }
@@ -225,7 +244,6 @@ private:
             joinPiece(i);
         }
         storeValues(static_cast<unsigned>(added));
-        storeFilmLabel(static_cast<unsigned>(added));
     }
 
     void noteSkipped(unsigned lineIndex, ALE::Report::SkipReason reason) {
@@ -238,30 +256,56 @@ private:
         if (columns_[i] < 0) {
             return;
         }
-        std::string& value = targets_[static_cast<std::size_t>(columns_[i])].value;
-        value.append(value.empty() ? "" : ", ").append(pieces_[i]);
-        value.resize(value.find_last_not_of(' ') + 1);
-        if (static_cast<int>(i) == keyNumberIndex_ &&
-            !isEssentiallyEmpty(std::string_view{value}) && value != unknownKeyNumber) {
-            value = normalisedKeyNumber(value);
+        Target& target = targets_[static_cast<std::size_t>(columns_[i])];
+        std::string_view value = pieces_[i];
+        if (target.value.empty()) {
+            target.isJoined = false;
+        } else {
+            target.keepValue();
+            value = target.joined.append(", ").append(value);
         }
-        value.erase(0, value.size() - Tarn::trimmedFront(value).size()); // as tables store it
+        value = value.substr(0, value.find_last_not_of(' ') + 1);
+        if (static_cast<int>(i) == keyNumberIndex_ && !isEssentiallyEmpty(value) &&
+            value != unknownKeyNumber) {
+            target.joined = normalisedKeyNumber(value);
+            target.isJoined = true;
+            value = target.joined;
+        }
+        target.value = Tarn::trimmedFront(value); // as tables store it
     }
 
     void storeValues(unsigned row) {
-        for (Target& target : targets_) {
+        dbrecord* const record = recordOf(row);
+        for (std::size_t i = 0; i < targets_.size(); ++i) {
+            Target& target = targets_[i];
             if (target.firstColumn < pieces_.size()) {
-                table_.set_field(row, static_cast<unsigned>(target.field), target.value.c_str());
-                target.value.clear();
+                const std::string_view value = std::exchange(target.value, {});
+                target.isJoined = false;
+                store(record, row, target.field,
+                      value.empty() ? LightweightString<char>{} : recent_.stringOf(i, value));
             }
+        }
+        if (layout_.filmFormat != FilmFormat::None) {
+            store(record, row, filmLabelField_, filmLabel_);
         }
     }
 
-    void storeFilmLabel(unsigned row) {
-        if (layout_.filmFormat != FilmFormat::None) {
-            const int field = table_.get_fieldnum(filmLabelField);
-            table_.set_field(row, static_cast<unsigned>(field), filmLabelOf(layout_.filmFormat));
+    /// The record to write to; null for a table of a host's own, which may write in its own way.
+    [[nodiscard]] dbrecord* recordOf(unsigned row) const {
+        return typeid(table_) == typeid(oledb) ? table_.get_record(row) : nullptr;
+    }
+
+    void store(dbrecord* record, unsigned row, int field, const LightweightString<char>& value) {
+        if (record) {
+            record->set_string(field, value);
+        } else {
+            table_.set_field(row, static_cast<unsigned>(field), value.c_str());
         }
+    }
+
+    void findFilmLabel() {
+        filmLabelField_ = table_.get_fieldnum(filmLabelField);
+        filmLabel_ = filmLabelOf(layout_.filmFormat);
     }
 
     oledb& table_;
@@ -271,6 +315,9 @@ private:
     Vector<int> columns_; // for each its target, or -1
     std::vector<Target> targets_;
     int keyNumberIndex_ = -1;
+    int filmLabelField_ = -1;
+    LightweightString<char> filmLabel_;
+    RecentValues recent_{0}; // of each target
     Pieces pieces_;
 };
 

@@ -14,11 +14,17 @@
 #include "misc/CurrentProject.h"
 #include "misc/date_def.h"
 #include "misc/time_def.h"
+#include "ole/oledb/RowsAhead.h"
 #include "tarn/Ascii.h"
+#include "tarn/byteWords.h"
+#include "tarn/LineBuffer.h"
 #include "tarn/numbers.h"
 #include "tarn/TextFile.h"
 
+#include <cstring>
+#include <string>
 #include <string_view>
+#include <typeinfo>
 
 namespace {
 
@@ -36,16 +42,43 @@ TCInf projectTimecode() {
     return {rate.numerator, rate.denominator, Tarn::CurrentProject::getUseDropFrameTimecode()};
 }
 
-void appendValue(std::string& line, const char* value, DBFieldTypes::eType type) {
-    const std::string_view text = textOf(value);
-    const bool quoted = text.find(',') != std::string_view::npos;
-    line += quoted ? "\"" : "";
-    if (type == DBFieldTypes::DOUBLE || type == DBFieldTypes::DOS_DATE) {
-        line += CSV::convertField(value, type).view();
-    } else {
-        line += text;
+std::uint64_t holdsComma(std::uint64_t word) {
+    return Tarn::hasByte(word, ',');
+}
+
+/// The comma is looked for while the text is copied; the few values that hold one are moved up.
+void appendText(Tarn::LineBuffer& line, std::string_view text) {
+    char* const to = line.roomFor(text.size() + 2);
+    if (Tarn::copyMarking(to, text, holdsComma) == 0) {
+        line.takeUpTo(to + text.size());
+        return;
     }
-    line += quoted ? "\"" : "";
+    std::memmove(to + 1, to, text.size());
+    to[0] = '"';
+    to[text.size() + 1] = '"';
+    line.takeUpTo(to + text.size() + 2);
+}
+
+void appendConverted(Tarn::LineBuffer& line, const LightweightString<char>& value,
+                     DBFieldTypes::eType type) {
+    const std::string_view quote = value.find(',') == std::string_view::npos ? "" : "\"";
+    line.append(quote);
+    line.append(CSV::convertField(value, type).view());
+    line.append(quote);
+}
+
+void appendValue(Tarn::LineBuffer& line, const LightweightString<char>& value,
+                 DBFieldTypes::eType type) {
+    if (type == DBFieldTypes::DOUBLE || type == DBFieldTypes::DOS_DATE) {
+        appendConverted(line, value, type);
+    } else {
+        appendText(line, value.view());
+    }
+}
+
+/// Whether records hold what a view shows: not where it is a host's own.
+bool isPlain(const ODBViewRep* view) {
+    return view && typeid(*view) == typeid(ODBViewRep);
 }
 
 } // namespace
@@ -61,11 +94,20 @@ bool CSV::writeTo(const LightweightString<wchar_t>& path) const {
     }
     file.stream({}, lineEnds);
     const std::vector<Column> visible = columns();
+    std::vector<int> fields;
+    fields.reserve(visible.size());
+    for (const Column& column : visible) {
+        fields.push_back(column.field);
+    }
     const unsigned rows = sourceDb()->get_num_records();
-    std::string line;
+    RowsAhead ahead{isPlain(sourceDb().rep()) ? rows : 0, fields, [this](std::size_t row) {
+                        return sourceDb()->get_record(static_cast<unsigned>(row));
+                    }};
+    Tarn::LineBuffer line;
     for (unsigned i = 0; i < rows; ++i) {
+        ahead.reach(i);
         makeLine(line, visible, i);
-        file.appendLine(line);
+        file.appendLine(line.view());
     }
     file.save({}, lineEnds);
     return true;
@@ -95,9 +137,9 @@ bool CSV::writeHeader(TextFile& file) const {
 }
 
 void CSV::writeRecord(TextFile& file, unsigned record) const {
-    std::string line;
+    Tarn::LineBuffer line;
     makeLine(line, columns(), record);
-    file.appendLine(line);
+    file.appendLine(line.view());
 }
 
 LightweightString<char> CSV::convertField(LightweightString<char> value, DBFieldTypes::eType type) {
@@ -121,12 +163,22 @@ std::vector<CSV::Column> CSV::columns() const {
     return visible;
 }
 
-void CSV::makeLine(std::string& line, const std::vector<Column>& columns, unsigned record) const {
+/// The record is looked up once for all its values, unless the view is a host's own, which may have
+/// values of its own.
+void CSV::makeLine(Tarn::LineBuffer& line, const std::vector<Column>& columns, unsigned row) const {
     line.clear();
-    const char* separator = "";
+    const ODBViewRep* const view = sourceDb().rep();
+    const bool plain = isPlain(view);
+    const dbrecord* const record = plain ? view->get_record(row) : nullptr;
+    std::string_view separator;
     for (const Column& column : columns) {
-        line += separator;
-        appendValue(line, sourceDb()->get_field(record, column.field), column.type);
+        line.append(separator);
         separator = ",";
+        if (record) {
+            appendValue(line, record->getField(static_cast<unsigned short>(column.field)),
+                        column.type);
+        } else {
+            appendValue(line, plain ? nullptr : view->get_field(row, column.field), column.type);
+        }
     }
 }

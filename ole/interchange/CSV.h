@@ -5,10 +5,12 @@
 #include "ole/oledb/DBFieldTypes.h"
 #include "tarn/LightweightString.h"
 
-#include <string>
 #include <vector>
 
 class TextFile;
+namespace Tarn {
+class LineBuffer;
+}
 
 /// Export of a view's rows as comma-separated text (docs/format-csv.md): the visible fields of a
 /// field map, in its order, of the rows of its source view. The export is a field map itself, whose
@@ -51,5 +53,5 @@ private:
         DBFieldTypes::eType type;
     };
     [[nodiscard]] std::vector<Column> columns() const;
-    void makeLine(std::string& line, const std::vector<Column>& columns, unsigned record) const;
+    void makeLine(Tarn::LineBuffer& line, const std::vector<Column>& columns, unsigned row) const;
 };

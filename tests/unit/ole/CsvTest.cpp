@@ -34,7 +34,7 @@ TEST(Csv, RandomTablesAreWrittenAsThePlainWriterDoes) {
         Rows rows(1 + random.below(30), Texts(columns.size()));
         for (Texts& row : rows) {
             for (std::string& value : row) {
-                value = random.text(random.oneIn(2) ? "0123456789.-" : "a, \"\n\r\t\xC3\xA9", 6);
+                value = random.text(random.oneIn(2) ? "0123456789.-" : "a, \"\n\r\t\xC3\xA9", 20);
             }
         }
         const auto table = makeTable(columns, rows);

@@ -13,7 +13,7 @@ and runs all tests.
   --debug       build without optimisation, with checked standard containers
   --clang       build the libraries and their tests with Clang, without the tool
   --long        the long forms: a session of ten minutes, every point of failure,
-                500 kills; then every fuzzer for fifteen minutes (two hours in all)
+                600 kills; then every fuzzer for fifteen minutes (an hour and a half)
   --jobs N      run N jobs at a time (default: one for each processor)
   --no-install  install nothing
   --help        show this text

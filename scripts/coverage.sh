@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Which lines and branches of the module the tests run. Builds without optimisation, runs all tests
-# of the libraries (the tool's would cut the files that the counts go to), and prints a table; every line that did not run stands in
-# build/coverage/report/index.html.
+# of the libraries (the tool's would cut the files that the counts go to), and prints a table;
+# every line that did not run stands in build/coverage/report/index.html.
 #
 # usage: scripts/coverage.sh [GCOVR-ARGUMENT...]
 #

@@ -25,7 +25,7 @@ run_one() {
   if [ "$name" = AleFile ] && [ -n "${OLE_REAL_LOGS-}" ]; then
     inputs+=("$OLE_REAL_LOGS")
   fi
-  if "build/fuzz/bin/fuzz_$name" -max_total_time="$seconds" -max_len=20000 -timeout=20 \
+  if "build/fuzz/bin/fuzz_$name" -max_total_time="$seconds" -max_len=20000 -timeout=5 \
     -rss_limit_mb=1500 -malloc_limit_mb=256 -artifact_prefix="build/fuzz/findings/$name-" \
     "${inputs[@]}" </dev/null >"$log" 2>&1; then
     echo "$name: $(tail -n 1 "$log")"

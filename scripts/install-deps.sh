@@ -2,7 +2,8 @@
 # Installs what the project needs from the system's own package archive (Debian, Ubuntu), and
 # nothing where everything is there. Asks no questions; uses sudo only where it is not root.
 #
-# usage: scripts/install-deps.sh [build] [test] [lint] [bench]     default: all four
+# usage: scripts/install-deps.sh [build] [test] [lint] [bench] [valgrind]
+#                                                       default: all but valgrind
 set -euo pipefail
 
 # Each need: the package, and a command that succeeds where it is there already.
@@ -43,6 +44,12 @@ shellcheck      command -v shellcheck
 END
 }
 
+valgrind_needs() {
+  cat <<'END'
+valgrind        command -v valgrind
+END
+}
+
 bench_needs() {
   cat <<'END'
 libbenchmark-dev installed libbenchmark-dev
@@ -79,9 +86,9 @@ groups=("$@")
 missing=()
 for group in "${groups[@]}"; do
   case $group in
-    build | test | lint | bench) mapfile -t -O "${#missing[@]}" missing < <("${group}_needs" | missing_packages) ;;
+    build | test | lint | bench | valgrind) mapfile -t -O "${#missing[@]}" missing < <("${group}_needs" | missing_packages) ;;
     *)
-      echo "usage: scripts/install-deps.sh [build] [test] [lint] [bench]" >&2
+      echo "usage: scripts/install-deps.sh [build] [test] [lint] [bench] [valgrind]" >&2
       exit 2
       ;;
   esac

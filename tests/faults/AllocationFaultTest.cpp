@@ -2,6 +2,7 @@
 // out, a table is as it was before the step, and whatever is left is whole, goes on, and is given
 // back at the end.
 
+#include "misc/configb.h"
 #include "ole/interchange/ALE.h"
 #include "ole/interchange/CSV.h"
 #include "ole/interchange/KeyNumber.h"
@@ -19,6 +20,7 @@
 
 #include <climits>
 #include <cstdio>
+#include <optional>
 #include <sys/mman.h>
 
 namespace {
@@ -67,6 +69,7 @@ struct Step {
     const char* name;
     Promise promise;
     void (*run)(Road&);
+    bool saves = false; // a file stands there as before or whole
 };
 
 using enum DBFieldTypes::eType;
@@ -111,6 +114,10 @@ const Step steps[] = {
     {"show cookies", Unchanged, [](Road& r) { r.view->displayRecordsAt(std::vector<Cookie>{cookieNo(3), cookieNo(9)}, 1); }},
     {"show a match", Unchanged, [](Road& r) { r.view->displayMatchAt("Name", "31A-2", 0); }},
     {"show another's", Unchanged, [](Road& r) { r.third->displayAllFromAt(r.view.rep(), 0); }},
+    {"show tagged ones", Unchanged, [](Road& r) { r.table->set_tag(1, 1); r.third->displayTaggedRecordsAt(0); }},
+    {"show all with tags", UnchangedBehind, [](Road& r) { r.third->displayAllRecordsWithBaseTagStatus(); }},
+    {"tags of a column", Unchanged, [](Road& r) { r.third->setupViewTagsFromOledbTagField(); }},
+    {"rows through a view", Whole, [](Road& r) { r.view->insert_records(1, 2); r.view->add_records(2); }},
     {"take entries out", UnchangedBehind, [](Road& r) { r.view->remove(0, 2); }},
     {"take entries out below", UnchangedBehind, [](Road& r) { r.upper->removeRecordsFromBaseView(0, 1); }},
     {"take tagged ones out", UnchangedBehind, [](Road& r) { r.third->set_tag(0, 1); r.third->removeTagged(); }},
@@ -138,29 +145,40 @@ const Step steps[] = {
     {"wider copy", Unchanged, [](Road& r) { const DBFieldDesc extra[] = {{"A further column of its own", TEXT}, {}}; r.other = std::make_unique<oledb>(*r.table, extra); }},
     {"conversion", Unchanged, [](Road& r) { r.other.reset(Convert_ODBView_to_oledb(r.view)); }},
 
-    {"save", Whole, [](Road& r) { save(*r.table, "table"); }},
+    {"save", Whole, [](Road& r) { save(*r.table, "table"); }, true},
     {"load", Unchanged, [](Road& r) { r.other = std::make_unique<oledb>(folder().wide("table"), INT_MAX, true); }},
     {"load again", Unchanged, [](Road& r) { r.other->loadFromFile(INT_MAX, true); }},
-    {"save a view", Unchanged, [](Road& r) { r.view->saveAsText(folder().wide("view"), false); }},
+    {"save a view", Unchanged, [](Road& r) { r.view->saveAsText(folder().wide("view"), false); }, true},
+    {"save tagged rows", Whole, [](Road& r) { r.table->set_filename(folder().wide("tags")); r.table->save_tags(); }, true},
+    {"save tagged entries", Unchanged, [](Road& r) { r.view->saveOnlyTagged(folder().wide("entries")); }, true},
+    {"save without a heading", Whole, [](Road& r) { r.table->set_filename(folder().wide("bare")); r.table->save_text_without_header(); }, true},
+    {"load without a heading", Unchanged, [](Road& r) { r.other = std::make_unique<oledb>(folder().wide("plain"), INT_MAX, false); }},
+    {"settings of a row", Unchanged, [](Road& r) { configb block; r.table->get_record(0)->update(&block); }},
     {"field map", Unchanged, [](Road& r) {
         r.view->set_param_val(FieldMap::parameterName, "2 -1 3");
         r.map = std::make_unique<FieldMap>(r.view);
         r.map->append("A name that no field has in this table", true);
         r.map->swap(0, 1);
         r.view->set_param_val(FieldMap::parameterName, r.map->asString().c_str()); }},
-    {"CSV", Unchanged, [](Road& r) { CSV{r.view, *r.map}.writeTo(folder().wide("csv")); }},
+    {"CSV", Unchanged, [](Road& r) { CSV{r.view, *r.map}.writeTo(folder().wide("csv")); }, true},
+    {"CSV by lines", Unchanged, [](Road& r) {
+        TextFile file;
+        const CSV csv{r.view, *r.map};
+        csv.writeHeader(file);
+        csv.writeRecord(file, 0); }},
+    {"the map of another view", Unchanged, [](Road& r) { FieldMap map{r.view}; map.setSourceDb(r.third); }},
     {"selected fields", UnchangedBehind, [](Road& r) {
         const char* const names[] = {"Name", "Date", nullptr};
         ODBFieldView fields{r.view, names};
         fields.setFileName(folder().wide("fields"));
-        fields.exportNewOleDb(false); }},
+        fields.exportNewOleDb(false); }, true},
     {"container", Unchanged, [](Road& r) {
         DBFieldDesc columns[] = {{"Cookie", TEXT}, {"Note", TEXT}, {}};
         TarnContainerFile::Writer writer{columns};
         writer.setName("Prints of the whole day, and of the night");
         writer.setPermanent(true);
         writer.addItem(cookieNo(1))->set_field(1, r.table->get_field(0, 0));
-        writer.save(folder().wide("container")); }},
+        writer.save(folder().wide("container")); }, true},
     {"read a container", Unchanged, [](Road&) {
         const TarnContainerFile::Reader reader{folder().wide("container"), false};
         static_cast<void>(reader.getContents());
@@ -234,6 +252,18 @@ void expectSavable(oledb& table) {
     EXPECT_EQ(contentsOf(loaded).names, contentsOf(table).names);
 }
 
+/// What stands at the paths that steps save to.
+using Files = std::vector<std::optional<std::string>>;
+Files savedFiles() {
+    Files files;
+    for (const char* const name :
+         {"table", "tags", "bare", "view", "entries", "csv", "fields", "container"}) {
+        const bool stands = std::filesystem::exists(folder().path(name));
+        files.push_back(stands ? std::optional{folder().read(name)} : std::nullopt);
+    }
+    return files;
+}
+
 // -- the walk --
 
 class AllocationFault : public testing::Test {
@@ -241,6 +271,7 @@ protected:
     AllocationFault() {
         TextFile::setFlushToDisk(false);
         folder().write("log.ale", log);
+        folder().write("plain", "Name,Start time\nA001,01:00:00:00\n");
         folder().write("ALEFieldMap.txt",
                        "No field=a field that the table does not have\nNote=Notes\n");
         setenv("OLE_PREFS_DIR", folder().path().c_str(), 1);
@@ -287,10 +318,15 @@ protected:
             SCOPED_TRACE(step.name);
             const bool before = allocations::state.struck;
             const Contents was = before ? Contents{} : contentsOf(*road.table);
+            const Files stood = before || !step.saves ? Files{} : savedFiles();
             if (!run(step, road)) {
                 check(step, road, was);
-                if (step.promise <= UnchangedBehind) {
+                const Files found = step.saves ? savedFiles() : Files{};
+                if (step.promise <= UnchangedBehind || step.saves) {
                     EXPECT_TRUE(run(step, road));
+                }
+                if (step.saves) {
+                    EXPECT_TRUE(found == stood || found == savedFiles()) << "a file is torn";
                 }
             } else if (!before && allocations::state.struck) {
                 expectWholeTable(*road.table);
@@ -367,6 +403,55 @@ TEST_F(AllocationFault, EachOnceOnARoad) {
     std::printf("[  MEMORY  ] %lu allocations failed\n", failed);
 }
 
+/// Rows are deleted while nobody looks at a view, and there is no memory when somebody does.
+TEST_F(AllocationFault, AViewFollowsAllTheSame) {
+    unsigned long failing = 1;
+    for (;; ++failing) {
+        const auto table = numberedTable(100);
+        const ODBView view = viewOfAll(*table);
+        for (const unsigned row : {60U, 20U, 21U, 3U}) {
+            table->delete_records(row, 9);
+        }
+        allocations::arm(failing);
+        const int shown = view->count();
+        allocations::pause();
+        ASSERT_EQ(shown, 64) << "allocation " << failing;
+        for (int i = 0; i < shown; ++i) {
+            ASSERT_EQ(view->sourceRow(i), i) << "allocation " << failing;
+        }
+        if (!allocations::state.struck) {
+            break;
+        }
+    }
+    EXPECT_GT(failing, 5U);
+}
+
+/// The most rows and entries are far more than memory holds: up to the limit they are asked for,
+/// and beyond it they are not.
+TEST_F(AllocationFault, LimitsBeyondMemory) {
+    constexpr long long mostRows = 4'294'963'200; // docs/limits.md
+    constexpr long long mostEntries = INT_MAX;
+    const auto asksForMemory = [](const auto& step) {
+        allocations::arm(1);
+        try {
+            step();
+        } catch (const std::bad_alloc&) {
+        }
+        allocations::pause();
+        return allocations::state.struck;
+    };
+    for (const long long past : {-1, 0, 1}) {
+        const auto table = makeTable({"a"}, {{"x"}});
+        const auto rows = static_cast<unsigned>(mostRows - 1 + past);
+        EXPECT_EQ(asksForMemory([&] { table->insert_records(0, rows); }), past < 1) << rows;
+        EXPECT_EQ(rowsOf(*table), (Rows{{"x"}}));
+        const ODBView view = viewOfAll(*table);
+        const auto entries = static_cast<int>(mostEntries - 1 + past);
+        EXPECT_EQ(asksForMemory([&] { view->displayRecordsAt(0, entries, 0); }), past < 1);
+        EXPECT_EQ(view->count(), 1);
+    }
+}
+
 /// What is long enough for large pages: each of them fails once, and what it was for is done again.
 TEST_F(AllocationFault, EachLargePage) {
     const Captured quiet;
@@ -400,6 +485,8 @@ TEST_F(AllocationFault, EachLargePage) {
         descending = !descending;
     });
     const unsigned long loading = tryEach([] {
+        const TextFile text{folder().wide("large"), true};
+        EXPECT_EQ(text.numLines(), 270'004U);
         const oledb loaded{folder().wide("large"), INT_MAX, true};
         EXPECT_EQ(loaded.get_num_records(), 270'000U);
     });

@@ -151,6 +151,33 @@ TEST_P(SystemFault, AtEachCall) {
     }
 }
 
+/// A file that cannot be read to its end is no table at all, not a shorter one.
+class FailingRead : public SystemFault {};
+INSTANTIATE_TEST_SUITE_P(Each, FailingRead, testing::Values(fileKinds[0]), nameOfKind);
+
+TEST_P(FailingRead, LeavesNoPartOfATable) {
+    oledb whole{path(), INT_MAX, true};
+    ASSERT_EQ(whole.get_num_records(), Version::rows);
+    oledb table{path(), 0, true};
+    arm({});
+    table.loadFromFile(INT_MAX, true);
+    const State calm = disarm();
+    const unsigned reads = calm.calls[static_cast<std::size_t>(Call::Read)];
+    EXPECT_GE(reads, 3U);
+    for (unsigned nth = 1; nth <= reads; ++nth) {
+        for (const How how : {How::Fails, How::IsInterrupted, How::DoesPart}) {
+            SCOPED_TRACE("read " + std::to_string(nth) + ", way " +
+                         std::to_string(static_cast<int>(how)));
+            arm({Call::Read, nth, how});
+            table.loadFromFile(INT_MAX, true);
+            EXPECT_TRUE(disarm().struck);
+            EXPECT_EQ(table.get_valid(), how == How::Fails ? 0 : 1);
+            EXPECT_EQ(rowsOf(table), how == How::Fails ? Rows{} : rowsOf(whole));
+            EXPECT_EQ(table.get_num_fields(), how == How::Fails ? 0U : 2U);
+        }
+    }
+}
+
 /// The system sees one save as the other, so one kind for each way of saving is enough.
 class FullDisk : public SystemFault {};
 INSTANTIATE_TEST_SUITE_P(Each, FullDisk, testing::ValuesIn(mainKinds), nameOfKind);
@@ -161,14 +188,17 @@ TEST_P(FullDisk, AfterSoManyBytes) {
     for (std::size_t size = 50'021; size < whole; size += 50'021) {
         sizes.push_back(size);
     }
-    for (const std::size_t size : sizes) {
-        SCOPED_TRACE("full after " + std::to_string(size) + " bytes");
-        prepare(true);
-        const bool told = inChildWithFullDisk(size, [this] { return save(1); });
-        EXPECT_TRUE(holds(size == whole ? 1 : 0));
-        EXPECT_EQ(siblings(), std::set<std::string>{});
-        if (GetParam().tells) {
-            EXPECT_EQ(told, size == whole);
+    for (const bool exists : {true, false}) {
+        for (const std::size_t size : sizes) {
+            SCOPED_TRACE("full after " + std::to_string(size) + " bytes" +
+                         (exists ? ", over a file" : ", no file"));
+            prepare(exists);
+            const bool told = inChildWithFullDisk(size, [this] { return save(1); });
+            EXPECT_TRUE(at("f") == (size == whole ? bytes_[1] : before_));
+            EXPECT_EQ(siblings(), std::set<std::string>{});
+            if (GetParam().tells) {
+                EXPECT_EQ(told, size == whole);
+            }
         }
     }
 }

@@ -34,14 +34,17 @@ public:
         std::erase_if(listeners_, [](const auto& listener) { return listener.expired(); });
         Round own{type, text, {listeners_.begin(), listeners_.end()}, {}};
         rounds_.push_back(&own);
+        tellTheRest(type);
+        rounds_.pop_back();
+        if (own.thrown) {
+            std::rethrow_exception(own.thrown);
+        }
+    }
+    void tellTheRest(const std::string& type) {
         for (std::size_t i = 0, n = rounds_.size(); i < n; ++i) {
             if (rounds_[i]->type == type) {
                 finish(*rounds_[i]);
             }
-        }
-        rounds_.pop_back();
-        if (own.thrown) {
-            std::rethrow_exception(own.thrown);
         }
     }
 

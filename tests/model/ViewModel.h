@@ -58,14 +58,19 @@ public:
         entries_ = fresh;
     }
     int append(int row) {
+        followToTheEnd();
+        return put(row);
+    }
+    int put(int row) {
         sizeIndexFor(count_ + 1);
         at(count_).row = static_cast<std::uint32_t>(row);
         return count_++;
     }
     void buildIndex() {
+        followToTheEnd();
         count_ = 0;
         for (unsigned i = 0; i < source().get_num_records(); ++i) {
-            append(static_cast<int>(i));
+            put(static_cast<int>(i));
         }
     }
     [[nodiscard]] int count() const { return count_; }
@@ -191,6 +196,7 @@ public:
     // -- display --
 
     int displayRecordsAt(int row, int n, int where) {
+        followToTheEnd();
         if (n < 0 || n > INT_MAX - count_) {
             return 0;
         }
@@ -201,6 +207,7 @@ public:
         return n;
     }
     bool displayMatchAt(const char* field, const char* value, int where) {
+        followToTheEnd();
         const int row = source().findFirst(field, value, 0);
         if (row < 0) {
             return false;
@@ -217,6 +224,7 @@ public:
         return shown;
     }
     void displayTaggedRecordsAt(int where) {
+        followToTheEnd();
         int next = makeGap(where, source().get_num_tags());
         for (unsigned i = 0; i < source().get_num_records(); ++i) {
             if (source().get_tag(i) != 0) {
@@ -226,7 +234,7 @@ public:
     }
     void displayAllRecords() {
         remove(0, count_);
-        finishWalks();
+        followToTheEnd();
         displayRecordsAt(0, static_cast<int>(source().get_num_records()), 0);
     }
     int displayAllFromAt(ViewModel* other, int where) {
@@ -256,6 +264,9 @@ public:
         }
         sizeIndexFor(count_ - n);
         count_ -= n;
+        for (Walk* const walk : walks_) {
+            walk->i -= std::clamp(walk->i - from, 0, n);
+        }
         std::string text;
         for (int k = 0; k < n; ++k) {
             text += std::to_string(from + k) + " ";
@@ -281,6 +292,7 @@ public:
     int delete_tagged_records() { return removeSome(true) * 0; }
     int set_show_tags_only(int) { return removeSome(false); }
     int insertBlankRecords(int where, int n) {
+        followToTheEnd();
         if (n < 0 || n > INT_MAX - count_) {
             return 0;
         }
@@ -472,6 +484,15 @@ private:
         if (own.thrown) {
             std::rethrow_exception(own.thrown);
         }
+    }
+    /// Before entries come: hears of all that was deleted below, and follows it.
+    void followToTheEnd() {
+        db_->notifier.tellTheRest("recordsDeleted");
+        if (const auto below = base_) {
+            below->followToTheEnd();
+            below->notifier.tellTheRest("recordsDeleted");
+        }
+        finishWalks();
     }
     /// The earlier ones first.
     void finishWalks() {

@@ -163,7 +163,7 @@ protected:
         if (siblings().empty()) {
             return;
         }
-        EXPECT_TRUE(!at("f") || GetParam().loads(path()));
+        EXPECT_EQ(GetParam().loads(path()), at("f").has_value());
         TextFile::setFlushToDisk(false);
         EXPECT_TRUE(save(version));
         TextFile::setFlushToDisk(true);

@@ -13,7 +13,7 @@ inline int runWithSetting(int argc, char** argv, const char* variable, const cha
     if (!std::getenv("OLE_TEST_STARTED_AGAIN")) {
         setenv(variable, value, 1);
         setenv("OLE_TEST_STARTED_AGAIN", "1", 1);
-        execv("/proc/self/exe", argv);
+        execv(argv[0], argv); // not /proc/self/exe, which is valgrind where that runs the test
         std::perror("cannot start again");
         return 1;
     }

@@ -1,8 +1,8 @@
 #pragma once
 
-// System calls that fail, or that the process is killed at, at a chosen place of a save. The
-// program's own definitions stand before the system's, for the libraries too, so one source of a
-// program includes this, and only between `arm` and `disarm` is anything different.
+// System calls that fail, or that the process is killed at, at a chosen place of a save or a load.
+// The program's own definitions stand before the system's, for the libraries too, so one source of
+// a program includes this, and only between `arm` and `disarm` is anything different.
 //
 // A write that fails has written half of its bytes before. A flush does not reach the disk: nothing
 // here can tell.
@@ -18,9 +18,10 @@
 
 namespace faults {
 
-enum class Call { Open, Write, Flush, Close, Rename, Unlink, Mode, Owner, Status, Access };
-constexpr std::array<const char*, 10> callNames{
-    {"open", "write", "flush", "close", "rename", "unlink", "mode", "owner", "status", "access"}};
+enum class Call { Open, Write, Flush, Close, Rename, Unlink, Mode, Owner, Status, Access, Read };
+constexpr std::array<const char*, 11> callNames{{"open", "write", "flush", "close", "rename",
+                                                 "unlink", "mode", "owner", "status", "access",
+                                                 "read"}};
 
 enum class How {
     Fails,
@@ -114,6 +115,15 @@ OLE_FAULTY(ssize_t, write, int file, const void* bytes, std::size_t size) {
     }
     const auto part = faults::pass<ssize_t>("write", file, bytes, size / 2);
     return faults::state.fault.how == faults::How::DoesPart ? part : faults::fail(ENOSPC);
+}
+
+OLE_FAULTY(ssize_t, read, int file, void* bytes, std::size_t size) {
+    if (!faults::strikes(faults::Call::Read)) {
+        return faults::pass<ssize_t>("read", file, bytes, size);
+    }
+    return faults::state.fault.how == faults::How::DoesPart
+               ? faults::pass<ssize_t>("read", file, bytes, size / 2)
+               : faults::fail(EIO);
 }
 
 OLE_FAULTY(int, fsync, int file) {

@@ -139,7 +139,8 @@ struct LoadedFile : LoadedRows {
     bool valid = false;
     Texts params; ///< "name=value"
     Texts names;
-    std::vector<int> counts; ///< of values, for each row
+    std::vector<bool> timecodes; ///< of columns without a heading, by their names
+    std::vector<int> counts;     ///< of values, for each row
 };
 
 /// A whole file. Lines are read into one heading record: an empty field keeps what stood there.
@@ -211,6 +212,11 @@ private:
         const bool header = lower(first()) == "oledb";
         columns_ = static_cast<std::size_t>(std::min(header ? readHeading() : found, 255));
         if (!header) {
+            for (std::size_t i = 0; i < columns_; ++i) {
+                const std::string name = lower(heading_[i]);
+                file.timecodes.push_back(name.find("start") != std::string::npos ||
+                                         name.find("end") != std::string::npos);
+            }
             return !requireHeader;
         }
         for (const char* const line : {"3", "4"}) {

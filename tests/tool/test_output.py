@@ -97,7 +97,8 @@ def test_a_file_that_is_no_table_is_not_replaced_by_mistake(tmp_path, log):
 
 
 def test_an_open_pipe_is_a_target_by_its_name(log):
-    assert shell(f"olelog import {log} -o /dev/stdout | head -c 12").stdout == b'"OLEDB:Rev 1'
+    result = shell(f"olelog import {log} -o /proc/self/fd/1 | head -c 12")
+    assert result.stdout == b'"OLEDB:Rev 1', result.stderr
 
 
 def test_permissions_stay_and_new_files_follow_the_mask(tmp_path, log):

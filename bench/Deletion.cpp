@@ -77,6 +77,21 @@ void deleteTagged(benchmark::State& state, unsigned rows, const Deletion& deleti
     state.counters["notices"] = notices;
 }
 
+/// Takes every tenth entry out of a view of everything.
+void removeTagged(benchmark::State& state, unsigned rows) {
+    const auto tagged = [=] {
+        ODBView view{&sharedTable(rows)};
+        view->displayAllRecords();
+        for (unsigned i = 0; i < rows; i += 10) {
+            view->set_tag(i, 1);
+        }
+        return view;
+    };
+    measure(state, rows, tagged, [=](ODBView& view) {
+        return view->removeTagged() == static_cast<int>((rows + 9) / 10);
+    });
+}
+
 void deleteSqlite(benchmark::State& state, unsigned rows) {
     const auto fresh = [=] {
         return std::make_unique<Sqlite>(Sqlite::withCsv(workloadFile(Form::Csv, rows)));
@@ -127,6 +142,7 @@ void addDeletion() {
         }
     }
     add("delete10-views0", "sqlite", deleteSqlite);
+    add("remove10", "ours", removeTagged);
     add("append", "ours", append);
     add("insert", "ours", insert);
 }

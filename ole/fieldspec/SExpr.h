@@ -11,8 +11,13 @@ class ODBBase;
 /// Element of a parsed field specification: a list node or a field reference.
 class OLE_API SExprElt {
 public:
-    enum Kind : std::int32_t { FieldReference = 0, ListNode = 1 };
+    /// What an element is.
+    enum Kind : std::int32_t {
+        FieldReference = 0, ///< a reference, or an operator
+        ListNode = 1        ///< a node of a list
+    };
 
+    /// An element of a kind.
     explicit SExprElt(Kind elementKind) noexcept : kind{elementKind} {}
     SExprElt(const SExprElt&) = delete;
     SExprElt& operator=(const SExprElt&) = delete;
@@ -20,7 +25,7 @@ public:
     /// Appends the element's text form.
     virtual void asString(GrowString& out) const = 0;
 
-    const std::int32_t kind;
+    const std::int32_t kind; ///< see `Kind`
 };
 
 /// A list node. It owns its element and the rest of the list.
@@ -35,8 +40,8 @@ public:
     /// Reverses a list in place and returns its new head; null gives null. Linear.
     static SExpr* reverse(SExpr* head) noexcept;
 
-    SExprElt* elt;
-    SExpr* next;
+    SExprElt* elt; ///< the element, owned; null for none
+    SExpr* next;   ///< the rest of the list, owned; null at the end
 };
 
 /// A reference to a field of a view's source, by number.
@@ -46,14 +51,16 @@ public:
     SExprRef(std::int32_t fieldNumber, ODBBase* source) noexcept
         : SExprElt{FieldReference}, field{fieldNumber}, db{source} {}
     ~SExprRef() override;
+    ///@{
     /// Names another source; with `life`, only until that expires.
     void refer(ODBBase* source) noexcept;
     void refer(ODBBase* source, std::weak_ptr<const void> life) noexcept;
+    ///@}
     /// The field's name, or "voidref" without a source and once it is gone.
     void asString(GrowString& out) const override;
 
-    std::int32_t field;
-    ODBBase* db;
+    std::int32_t field;           ///< the field's number in the source
+    ODBBase* db;                  ///< the source, not owned; null for none
     const void* unused = nullptr; ///< always null
 
 private:
@@ -73,6 +80,7 @@ public:
 /// Walks a list, and starts again at the front when it is moved on at the end.
 class OLE_API SExprIterator {
 public:
+    /// Stands at the first node of a list, which is not owned.
     explicit SExprIterator(SExpr* list) noexcept : head{list}, current{list} {}
     /// Moves on; from the end (null) to the front.
     SExprIterator& operator++() noexcept;

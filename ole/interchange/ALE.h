@@ -23,27 +23,29 @@ public:
                            ///< heading's parameters are set all the same, and a line of
                            ///< one value makes an empty row
         };
+        /// Why a line was left out.
         enum class SkipReason {
             TooManyFields, ///< more values than there are column names
             TableRefused,  ///< the table takes no rows, being in show-tags-only mode
         };
+        /// A data line that became no record.
         struct SkippedLine {
-            unsigned line; ///< from 1, as editors count
-            SkipReason reason;
-            unsigned fields; ///< values on the line
+            unsigned line;     ///< from 1, as editors count
+            SkipReason reason; ///< why
+            unsigned fields;   ///< values on the line
         };
         /// A table field that more than one column goes to; its values were joined with ", ".
         struct SharedField {
-            LightweightString<char> field;
-            std::vector<LightweightString<char>> columns;
+            LightweightString<char> field;                ///< the table's name of it
+            std::vector<LightweightString<char>> columns; ///< the log's, in order
         };
 
-        Refusal refusal = Refusal::None;
-        unsigned recordsAdded = 0;
-        std::vector<SkippedLine> skippedLines;
-        std::vector<LightweightString<char>> columns;             ///< all column names, in order
+        Refusal refusal = Refusal::None;              ///< whether the log was taken at all
+        unsigned recordsAdded = 0;                    ///< records, one a data line
+        std::vector<SkippedLine> skippedLines;        ///< in the order of the log
+        std::vector<LightweightString<char>> columns; ///< all column names, in order
         std::vector<LightweightString<char>> columnsWithoutField; ///< dropped, in order
-        std::vector<SharedField> sharedFields;
+        std::vector<SharedField> sharedFields; ///< in the order of their first columns
         std::vector<unsigned> rowLines; ///< for each added record, its line in the log, from 1
     };
 

@@ -24,6 +24,7 @@ class oledb;
 /// linear in the entries.
 class OLE_API FieldMap {
 public:
+    /// The most entries that a map has.
     static constexpr int maxEntries = 256;
     /// The parameter of tables and views that holds a map's text.
     static constexpr const char* parameterName = "V5_FIELD_MAP";
@@ -53,26 +54,33 @@ public:
 
     /// The number of entries, visible or not.
     [[nodiscard]] int count() const noexcept { return count_; }
+    /// The source view; an empty handle for none. Good while the map lives.
     [[nodiscard]] const ODBView& sourceDb() const noexcept { return source_; }
     /// The first entry with a name, ignoring case; -1 for none.
     [[nodiscard]] int getFieldIdx(const LightweightString<char>& name) const;
+    /// Whether an entry has this name, ignoring case.
     [[nodiscard]] bool containsField(const LightweightString<char>& name) const;
     /// The flag of a name's entry; false for an unknown name.
     [[nodiscard]] bool isVisible(const LightweightString<char>& name) const;
     /// The flag of a slot, also of one behind the last entry; false beyond the 256.
     [[nodiscard]] bool isVisible(int slot) const;
+    ///@{
     /// The name of an entry; a null string out of range.
     [[nodiscard]] LightweightString<char> getName(int i) const;
     [[nodiscard]] LightweightString<char> operator[](int i) const { return getName(i); }
+    ///@}
 
     /// Appends an entry. Nothing happens for a name that the map has, and when it is full.
     void append(const LightweightString<char>& name, bool visible);
     /// Replaces an entry. Names may occur twice afterwards.
     void set(int i, const LightweightString<char>& name, bool visible);
-    /// Set the flag or the name of a slot, also of one behind the last entry.
+    ///@{
+    /// Set the flag or the name of a slot, also of one behind the last entry; nothing happens
+    /// beyond the 256.
     void setVisible(int slot, bool visible);
     void invertVisible(int slot);
     void setName(int slot, const LightweightString<char>& name);
+    ///@}
     /// Exchanges two slots, also behind the last entry; nothing happens beyond the 256.
     void swap(int a, int b);
     /// Takes out the first entry of a name; false when there is none.

@@ -16,6 +16,7 @@ class oledb;
 /// there is no virtual destructor: delete them as what they are.
 class OLE_API ODBFieldView { // NOLINT(cppcoreguidelines-virtual-class-destructor)
 public:
+    /// The most slots that a field view has.
     static constexpr int maxFields = 256;
 
     /// Presents fields by number, from a list that a negative number ends. A list of more than 256
@@ -40,9 +41,11 @@ public:
     /// "0", and values lose their leading white space. Linear in the rows.
     int exportNewOleDb(bool onlyTagged);
 
+    ///@{
     /// The path of the exported table; empty at first, which no export can write to.
     void setFileName(LightweightString<wchar_t> path) { fileName_ = std::move(path); }
     [[nodiscard]] const LightweightString<wchar_t>& fileName() const noexcept { return fileName_; }
+    ///@}
     /// The number of slots.
     [[nodiscard]] int count() const noexcept { return count_; }
 

@@ -30,12 +30,14 @@ struct DBFieldTypes {
 /// Name and type of a column. A list of descriptors ends at the first one of type `NONE`; a table
 /// takes at most 256.
 struct DBFieldDesc {
+    /// Ends a list.
     DBFieldDesc() = default;
+    /// A column; the name is shared.
     DBFieldDesc(LightweightString<char> fieldName, DBFieldTypes::eType fieldType)
         : name{std::move(fieldName)}, type{fieldType} {}
 
-    LightweightString<char> name; ///< a null string counts as ""
-    DBFieldTypes::eType type = DBFieldTypes::NONE;
+    LightweightString<char> name;                  ///< a null string counts as ""
+    DBFieldTypes::eType type = DBFieldTypes::NONE; ///< `NONE` ends a list
 };
 
 /// The type that a type word names, ignoring case: "text", "text_s", "timecode", "timecode_s",

@@ -71,6 +71,7 @@ class TextFile;
 /// size. Costs are in V, the number of entries; each access through a chain adds one step a level.
 class OLE_API ODBViewRep : public ODBBase, public Notifier {
 public:
+    /// A question about a position: `tag`, `notTagged`, or one of a derived class.
     using Predicate = bool (ODBViewRep::*)(int);
 
     /// A view on a table that shows no rows yet and presents all fields.
@@ -79,6 +80,7 @@ public:
     ODBViewRep(oledb* table, const char* spec);
     /// The same with a null-terminated list of field names; null means all fields.
     ODBViewRep(oledb* table, const char** names);
+    /// The same with all fields.
     ODBViewRep(oledb* table, std::nullptr_t) : ODBViewRep{table} {}
     ~ODBViewRep() override;
 
@@ -96,6 +98,7 @@ public:
     void baseView(ODBViewRep* newBase);
     /// The table; null where none is set, and once it was destroyed.
     [[nodiscard]] oledb* table() const noexcept { return tableLife_.expired() ? nullptr : db; }
+    /// The base view, null for none; good while this view has it.
     [[nodiscard]] ODBViewRep* baseView() const noexcept { return base; }
     /// The base view, else the table, else null.
     [[nodiscard]] ODBBase* source() const noexcept;
@@ -107,11 +110,14 @@ public:
     /// Gives the parameter "OLEDB" its current text where it was set to a null string; any other
     /// text stays, and where there is none, none is made.
     void internRevision();
+    ///@{
     /// Copies parameters, replacing those of the same name. This and the setting of table or base
     /// view are the only times that parameters travel: what is set later below does not come up,
     /// and what is set here does not go down.
     void addParamsFrom(oledb* other);
     void addParamsFrom(ODBViewRep* other);
+    ///@}
+    /// The view's own parameters, in the order in which they came.
     [[nodiscard]] const AssocList& parameters() const noexcept { return params; }
     /// Shows every row of the source, without a notice. Tags stay as the storage holds them.
     /// Linear.
@@ -188,11 +194,13 @@ public:
     /// Inserts the source's tagged rows. Linear in the source's rows and in the entries behind. In
     /// a table that shows tagged rows only the numbers are those of the shown rows.
     void displayTaggedRecordsAt(int at);
+    ///@{
     /// Inserts the rows of cookies, one after the other from `at` on; returns how many were found.
     /// Linear in the table's rows once, in the cookies, and in the entries behind `at` for each one
     /// found. Over a base view a row is taken as `displayMatchAt` takes it.
     int displayRecordsAt(const std::vector<Cookie>& cookies, int at);
     int displayRecordsAt(const CookieSet& cookies, int at);
+    ///@}
     /// Removes every entry, with notice, and shows every source row. Tags are clear afterwards
     /// where the view had entries.
     void displayAllRecords();
@@ -217,8 +225,11 @@ public:
     /// nobody listens to a view that stands on the table; else V for each run, and what `remove`
     /// costs above: to leave few of many, rather fill a new view with those few.
     int removeSome(Predicate selects);
+    ///@{
+    /// `removeSome` by the view's tags.
     int removeTagged() { return removeSome(&ODBViewRep::tag); }
     int removeNonTagged() { return removeSome(&ODBViewRep::notTagged); }
+    ///@}
 
     // -- rows of the table --
 
@@ -246,16 +257,20 @@ public:
     /// A new view, the caller's, on a new table, also the caller's (`table`), that holds copies of
     /// the rows that the table shows. Null without a table.
     [[nodiscard]] ODBViewRep* copyWithNewBaseView();
+    ///@{
     /// Saves the view as a table file: its parameters, the table's columns, the records shown; a
     /// field "Tag" holds the view's tags. Returns the position reached, the view's count when
     /// nothing failed; 0 on failure and without a table, and with `noRecords`, which writes the
     /// heading alone.
     int saveAsText(LightweightString<wchar_t> name, bool noRecords);
     int saveAsText(const char* name, bool noRecords);
+    ///@}
+    ///@{
     /// Saves the records whose *table* tag is set, as they are. Returns the position reached, not
     /// the number saved; 0 on failure. Reports a failed check on standard output, and works.
     int saveOnlyTagged(LightweightString<wchar_t> name);
     int saveOnlyTagged(const char* name);
+    ///@}
 
     // -- field specification --
 
@@ -277,13 +292,20 @@ public:
 
     // -- the interface of tables; see above for what differs --
 
+    /// `saveAsText` of everything to the view's own file name.
     int save_text() override;
+    /// `saveOnlyTagged` to the view's own file name: by the tags of the table, not of the view.
     int save_tags() override;
+    /// `insertBlankRecords`; the all-ones number inserts at the front.
     int insert_records(unsigned at, unsigned n) override;
+    /// `deleteRecords`: the rows go from the table, and so from every view.
     int delete_records(unsigned from, unsigned n) override;
+    /// Takes the tagged entries out of the chain of views, leaves the rows, and returns 0.
+    /// `deleteTagged` deletes the rows.
     int delete_tagged_records() override;
     [[nodiscard]] unsigned get_num_records() const override;
     [[nodiscard]] unsigned get_num_fields() const override;
+    /// `operator[]`: the table's row.
     [[nodiscard]] dbrecord* get_record(unsigned i) const override;
     [[nodiscard]] dbrecord* make_dummy_record() override;
     /// The field number is taken as 16 bits: 65536 reads field 0.
@@ -296,22 +318,32 @@ public:
     [[nodiscard]] DBFieldTypes::eType get_fieldtype(unsigned f) override;
     [[nodiscard]] int get_fieldnum(const char* name) const override;
     int set_fieldname(unsigned f, const char* name) override;
+    /// Sets the view's own file name; the table's stays.
     void set_filename(LightweightString<wchar_t> path) override;
     [[nodiscard]] LightweightString<wchar_t> get_filename() override;
     void set_sortfield(int f) override;
     void set_sortfields(int* list) override;
     void set_sort_offset(int offset) override;
-    /// These two return 1; 0 and nothing done out of range.
+    ///@{
+    /// Sets the entry's tag, or turns it over, and returns 1; 0 and nothing done out of range.
     int set_tag(unsigned i, int v) override;
     int invert_tag(unsigned i) override;
+    ///@}
     int set_all_tags(int v) override;
     int invert_all_tags() override;
+    /// Takes the untagged entries out for good (`removeNonTagged`), whatever the argument, and
+    /// returns how many.
     int set_show_tags_only(int) override;
+    /// 0.
     [[nodiscard]] int get_show_tags_only() override;
+    /// The entry's tag; 0 out of range.
     [[nodiscard]] int get_tag(unsigned i) override;
     [[nodiscard]] int get_num_tags() override;
     int set_query(dbrecord* query) override;
+    /// `tagMatches(0)`: the argument is not looked at, and what does not match loses its tag.
     int tag_matching_records(int) override;
+    /// `tagDuplicates`, then turns all tags over: one entry of each value is tagged. Returns their
+    /// number. The order stays.
     int tag_all_different(int field) override;
     using ODBBase::set_field;
     int set_field(unsigned r, const Cookie& cookie) override;
@@ -323,14 +355,24 @@ public:
     int in_field(unsigned r, unsigned f, int& number) override;
     int in_field(unsigned r, unsigned f, double& number) override;
     int in_field(unsigned r, unsigned f, bool& flag) override;
+    /// Appends empty rows to the table and entries for them here; returns the position of the
+    /// first, 0 without a source. A table that refuses rows is not noticed, see
+    /// `insertBlankRecords`.
     int add_records(int n) override;
+    ///@{
     /// Sets a parameter of this view alone, null as a null string; a null name nothing. Returns 0.
     /// A saved view with parameters loads only where the first is "OLEDB"; a name "" is lost.
     int add_param(const char* name, const char* value) override;
     int set_param_val(const char* name, const char* value) override;
+    ///@}
+    /// The value of the view's own parameter; "" for none.
     [[nodiscard]] const char* get_param_val(const char* name) const override;
+    /// The number of the *table's* first row whose field holds the whole text, shown here or not;
+    /// -1 for none. The third argument is not looked at.
     [[nodiscard]] int findFirst(const char* a, const char* b, int start) override;
     void sortPrepare(int dir, int force) override;
+    /// Whether the row of number `r` of the source matches: deliberately not the one shown at that
+    /// position.
     [[nodiscard]] int match_record(int r) const override;
     /// Whether the source is valid, as a table is that was made from fields or loaded; 0 without
     /// one.
@@ -391,24 +433,36 @@ class OLE_API ODBView {
 public:
     /// An empty handle.
     ODBView() noexcept = default;
+    /// An empty handle.
     ODBView(std::nullptr_t) noexcept {}
     /// Counts a view, which is then owned by its handles.
     explicit ODBView(ODBViewRep* rep) noexcept;
     /// A handle on a new view on a table; it shows no rows yet.
     explicit ODBView(oledb* table);
+    ///@{
+    /// Share the view, or take over the other's share; a view held before is given back.
     ODBView(const ODBView& other) noexcept;
     ODBView(ODBView&& other) noexcept;
     ODBView& operator=(const ODBView& other) noexcept;
     ODBView& operator=(ODBView&& other) noexcept;
+    ///@}
+    /// Gives the view back.
     ~ODBView();
 
+    /// The view, null for an empty handle; good while a handle holds it.
     [[nodiscard]] ODBViewRep* rep() const noexcept { return rep_; }
+    ///@{
+    /// The view, which must be there.
     ODBViewRep* operator->() const noexcept { return rep_; }
     ODBViewRep& operator*() const noexcept { return *rep_; }
+    ///@}
+    /// Whether the handle holds a view.
     explicit operator bool() const noexcept { return rep_ != nullptr; }
 
     /// A handle on a copy, see `ODBViewRep::copy`; empty for an empty handle.
     [[nodiscard]] ODBView copy() const;
+    /// The same of `ODBViewRep::copyWithNewBaseView`. The new table is the caller's
+    /// (`ODBViewRep::table`) and must be deleted after the last handle.
     [[nodiscard]] ODBView copyWithNewBaseView() const;
 
 private:

@@ -17,6 +17,7 @@ public:
     [[nodiscard]] int position() const noexcept { return position_; }
     /// Whether `++` and `--` pass over untagged entries.
     [[nodiscard]] bool taggedOnly() const noexcept { return taggedOnly_; }
+    /// Switches that; the position stays.
     void setTaggedOnly(bool onlyTagged) noexcept { taggedOnly_ = onlyTagged; }
 
     /// Goes to a position; -1 when it is none.

@@ -38,19 +38,23 @@ public:
     /// the invalid cookie and without attributes, stands for none.
     class OLE_API Item {
     public:
+        /// The default item.
         Item() noexcept = default;
         /// The row is not owned: the item must not be asked for attributes after its reader is
         /// gone.
         Item(const dbrecord* row, const Cookie& cookie) noexcept : row_{row}, cookie_{cookie} {}
 
+        /// What identifies the item; the invalid cookie for none.
         [[nodiscard]] const Cookie& getCookie() const noexcept { return cookie_; }
         /// The text of a column (`getItemAttribIndex`); "" where the row has no such value, so also
         /// for a column of -1.
         [[nodiscard]] LightweightString<char> getAttrib(unsigned col) const;
+        ///@{
         /// The number that the text begins with; `def` where the row has no such value.
         /// Deliberately, a value that is there but empty gives 0, other than in the reader.
         [[nodiscard]] int getAttrib(unsigned col, int def) const;
         [[nodiscard]] double getAttrib(unsigned col, double def) const;
+        ///@}
 
     private:
         [[nodiscard]] bool has(unsigned col) const noexcept;
@@ -72,16 +76,21 @@ public:
 
     /// The value of an attribute of the collection, keys without regard to case; "" for none.
     [[nodiscard]] LightweightString<char> getAttrib(LightweightString<char> key) const;
+    ///@{
     /// The number that the value begins with, 0 for another text; `def` where it is empty or there
     /// is none.
     [[nodiscard]] int getAttrib(LightweightString<char> key, int def) const;
     [[nodiscard]] double getAttrib(LightweightString<char> key, double def) const;
+    ///@}
+    ///@{
     /// The collection's name, as UTF-8 and wide.
     [[nodiscard]] LightweightString<char> getName() const;
     [[nodiscard]] LightweightString<wchar_t> getNameW() const;
+    ///@}
     /// True only where "Permanent" reads as true (`BoolFromString`).
     [[nodiscard]] bool isPermanent() const;
 
+    /// The number of items; 0 where only the header was read.
     [[nodiscard]] unsigned getNumItems() const;
     /// Item i, in the order of the file; a default item beyond the last. A cookie's text must begin
     /// with the kind's letter: without one, and where it cannot be read, the item's cookie is the
@@ -113,6 +122,7 @@ public:
     /// the writer and is good as long as that. Null, adding nothing, for the invalid cookie (kind
     /// 'I'). Cookies that are there already are added again. Amortised constant.
     dbrecord* addItem(const Cookie& cookie);
+    ///@{
     /// Set the name (UTF-8), an attribute, permanence. A later value replaces an earlier one.
     /// Nothing happens for an empty key, for the key "OLEDB" before any other attribute was set
     /// (later it replaces the revision), and beyond 40 attributes with that one. Null texts count
@@ -120,6 +130,7 @@ public:
     void setName(LightweightString<char> name);
     void setAttrib(LightweightString<char> key, LightweightString<char> value);
     void setPermanent(bool permanent);
+    ///@}
     /// Saves the container. A file that exists is replaced only by a complete new one, which is
     /// written to path.tmp first: where that fails, the old file stays as it was and nothing is
     /// left beside it. Another file at path.tmp is removed before, though only when there is a file

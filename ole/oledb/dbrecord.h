@@ -45,6 +45,7 @@ public:
     /// source's `nfields` is. Container and tag are deliberately not copied. `types` stays the
     /// source's list: it dangles when that table dies, until the copy is attached to one.
     dbrecord(const dbrecord& src, unsigned short n);
+    /// The same with as many slots as the source has.
     dbrecord(const dbrecord& src) : dbrecord{src, 0} {}
     /// Takes over the source's values, at most as many as there are slots here, each without its
     /// leading white space; `nfields` becomes the number of values taken. Slots beyond keep their
@@ -52,6 +53,7 @@ public:
     dbrecord& operator=(const dbrecord& src);
     ~dbrecord();
 
+    ///@{
     /// Records on the heap stand close together, in memory of their own.
     // The check overlooks that a deletion may be told the size.
     // NOLINTNEXTLINE(misc-new-delete-overloads,cert-dcl54-cpp)
@@ -59,9 +61,12 @@ public:
     static void operator delete(void* record, std::size_t bytes) noexcept {
         Tarn::BlockMemory::release(record, bytes);
     }
+    ///@}
+    ///@{
     /// In memory of the caller's.
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void*, void*) noexcept {}
+    ///@}
 
     /// Stores a text in slot i and returns 1; 0 when i is negative or not below `size`. Null stores
     /// as "". With `skipBlanks`, leading ASCII white space is dropped. A text that comes out empty
@@ -119,9 +124,10 @@ public:
     /// Appends the values in use to a list, which owns its new elements.
     void asStringList(StringList& out) const;
 
-    /// The table that the row belongs to, null for none; not owned. An attached row takes its types
-    /// from the table.
+    /// Attaches the record to a table, which is not owned, or with null to none. An attached row
+    /// takes its types from the table. Does not put the record among the table's rows.
     void set_container(oledb* container);
+    /// The table that the row belongs to, null for none.
     [[nodiscard]] oledb* get_container() const noexcept { return container_; }
 
     /// Takes the file's next line as this row and returns the number of fields found, which becomes
@@ -138,10 +144,15 @@ public:
     /// setting nothing, for a row without a table or a table without a column "name".
     int update(configb* cfg) const;
 
+    /// The number of slots.
     [[nodiscard]] unsigned short size() const noexcept { return size_; }
+    /// The number of values in use.
     [[nodiscard]] unsigned short nfields() const noexcept { return nfields_; }
+    /// 1 when a value was written or read since the record was last written to a file.
     [[nodiscard]] int changed() const noexcept { return changed_; }
+    /// The row's tag, which its table's operations set. Views have tags of their own.
     [[nodiscard]] unsigned char tag() const noexcept { return tag_; }
+    /// The types of the columns; not owned, good while the table lives that they come from.
     [[nodiscard]] const DBFieldTypes::eType* types() const noexcept { return types_; }
 
 private:

@@ -2,9 +2,10 @@
 
 #include "ole/ole.h"
 
-// Comparison of rows. The keys belong to the table that was prepared last (`sortPrepare`), in the
-// whole process: one sort at a time. Each function takes the addresses of two `dbrecord*`, as
-// `qsort` passes them, and returns negative, zero or positive. None allocates.
+/// @file
+/// Comparison of rows. The keys belong to the table that was prepared last (`sortPrepare`), in the
+/// whole process: one sort at a time. Each function takes the addresses of two `dbrecord*`, as
+/// `qsort` passes them, and returns negative, zero or positive. None allocates.
 
 /// The key list of the table prepared last: column numbers up to the first negative one. Null
 /// before the first `sortPrepare`; it dangles when that table, or the caller's list, has gone.

@@ -27,8 +27,8 @@ struct dberror {
         0; ///< 1 a row does not fill all fields, 2 unknown column type, 3 a header line is wrong
     int where =
         0; ///< code 1: rows read before; codes 2 and 3: the header line, "OLEDB" being line 1
-    int aux1 = 0;
-    int aux2 = 0;
+    int aux1 = 0; ///< nothing yet: 0
+    int aux2 = 0; ///< nothing yet: 0
 };
 
 /// The table: a fixed set of named, typed columns and a growable list of rows, with a tag a row, up
@@ -54,8 +54,8 @@ struct dberror {
 /// text or the number of columns, where nothing is said.
 class OLE_API oledb : public ODBBase, public Notifier {
 public:
-    static constexpr unsigned maxFields = 256;
-    static constexpr unsigned maxParams = 40;
+    static constexpr unsigned maxFields = 256; ///< the most columns of a table
+    static constexpr unsigned maxParams = 40;  ///< the most parameters, the revision among them
 
     /// A table without columns, not valid.
     oledb();
@@ -162,40 +162,49 @@ public:
 
     // -- values --
 
+    ///@{
     /// The text of a value; null for no such row or column.
     [[nodiscard]] const char* get_field(unsigned row, int col) const override;
     [[nodiscard]] const char* get_field(unsigned row, const char* name) const override;
+    ///@}
     using ODBBase::set_field;
     /// Writes the cookie's short text form into the column "cookie" and notes the row for
     /// `getRowIndexByID`; on a table that was not asked for a row yet, the note is all that it will
     /// know until rows are inserted or deleted. 0 without such a row or column.
     int set_field(unsigned row, const Cookie& cookie) override;
+    ///@{
     /// Store a value as `dbrecord::set_field` does (a text without its leading white space) and
     /// return 1; 0 for no such row or column.
     int set_field(unsigned row, unsigned col, const char* text) override;
     int set_field(unsigned row, unsigned col, int number) override;
     int set_field(unsigned row, unsigned col, double seconds) override;
     int set_field(unsigned row, unsigned col, bool flag) override;
+    ///@}
     /// Copies at most `size` bytes and closes with zeros: `buf` holds size + 1 bytes, deliberately.
     /// 0 when there is no such row or column, else 1.
     int in_field(unsigned row, unsigned col, char* buf, int size) override;
+    ///@{
     /// Reads the text as a number, or as true exactly when it begins with 't'. 0, leaving the
     /// argument alone, when there is no such row or column; an empty text reads as 0 or false and
     /// returns 1.
     int in_field(unsigned row, unsigned col, int& number) override;
     int in_field(unsigned row, unsigned col, double& number) override;
     int in_field(unsigned row, unsigned col, bool& flag) override;
+    ///@}
 
     // -- columns --
 
+    /// The number of columns.
     [[nodiscard]] unsigned get_num_fields() const override { return numFields_; }
     /// A column's name; "" out of range.
     [[nodiscard]] const char* get_fieldname(unsigned col) override;
     /// The length in bytes of the widest text of a column. Linear in the rows.
     [[nodiscard]] unsigned get_fieldsize(unsigned col) override;
+    ///@{
     /// A column's type; `NONE` out of range. The second is the same as the first.
     [[nodiscard]] DBFieldTypes::eType get_field_type(unsigned col) override;
     [[nodiscard]] DBFieldTypes::eType get_fieldtype(unsigned col) override;
+    ///@}
     /// Sets a type and returns 1; 0 out of range. Type `NONE` records error 2 and sets text.
     int set_fieldtype(unsigned col, DBFieldTypes::eType type) override;
     /// The column of a name, ignoring case; -1 for none. Deliberately, a name that a column once
@@ -217,9 +226,11 @@ public:
 
     // -- file name, parameters, errors --
 
+    ///@{
     /// The path that loading and saving use.
     void set_filename(LightweightString<wchar_t> path) override;
     [[nodiscard]] LightweightString<wchar_t> get_filename() override;
+    ///@}
     /// Sets a parameter (names ignore case) and returns 0. An empty list first gets the revision,
     /// "OLEDB" with "Rev 1", whose value can be replaced like any other. -1 for a null name or
     /// value, an empty name, the name "OLEDB" where it does not exist yet, and for a 41st
@@ -231,12 +242,15 @@ public:
     [[nodiscard]] const char* get_param_val(const char* name) const override;
     /// The position of a parameter, -1 for none.
     [[nodiscard]] int find_param(const char* name) const;
+    /// The number of parameters, the revision among them.
     [[nodiscard]] unsigned get_num_params() const noexcept {
         return static_cast<unsigned>(params_.size());
     }
+    ///@{
     /// Name and value of parameter i, null out of range.
     [[nodiscard]] const char* get_param_name(unsigned i) const noexcept;
     [[nodiscard]] const char* get_param_value(unsigned i) const noexcept;
+    ///@}
     /// Records an error for `read_error_info`; see `dberror`.
     void fill_error_info(int code, int where, int aux1, int aux2);
     /// The last error of loading or defining the table; false when there was none. A valid table
@@ -245,9 +259,11 @@ public:
 
     // -- tags --
 
+    ///@{
     /// Stores the low byte of `tag`, or turns the tag over, and returns 1; 0 for no such row.
     int set_tag(unsigned row, int tag) override;
     int invert_tag(unsigned row) override;
+    ///@}
     /// `set_tag` for every number below the row count, so in show-tags-only mode for the shown rows
     /// only. Returns how many were set. Linear in the rows.
     int set_all_tags(int tag) override;
@@ -256,6 +272,7 @@ public:
     /// Switches the mode. Switching on takes the rows that are tagged now and returns their number;
     /// switching off returns 0. Linear in the rows.
     int set_show_tags_only(int on) override;
+    /// What the mode was set to; 0 for off.
     [[nodiscard]] int get_show_tags_only() override { return showTagsOnly_; }
     /// The row's tag, -1 for no such row.
     [[nodiscard]] int get_tag(unsigned row) override;
@@ -263,12 +280,14 @@ public:
     [[nodiscard]] int get_num_tags() override;
     /// Fills the tag index with the rows that are tagged now. Linear in the rows.
     void index_tags();
+    ///@{
     /// The number that the interface uses for a row of the storage, and the other way round; the
     /// same while show-tags-only is off; all ones for none. The position just behind the last
     /// tagged row is deliberately not refused: an earlier index may have left a row there. Linear
     /// in the rows while the mode is on.
     [[nodiscard]] unsigned get_new_row(unsigned raw) const;
     [[nodiscard]] unsigned get_raw_row(unsigned row) const;
+    ///@}
 
     // -- cookies, batches, changes --
 
@@ -293,6 +312,7 @@ public:
     [[nodiscard]] int get_changed() const noexcept { return changed_; }
     /// When the table was made or a row was last read from a file: seconds since 1970.
     [[nodiscard]] long long get_modified_time() const noexcept { return modifiedTime_; }
+    /// The revision of the format that the table was loaded from; 1 for a new table.
     [[nodiscard]] int get_revision() const noexcept { return revision_; }
     /// Row slots, as callers may count on them: grows by 500.
     [[nodiscard]] unsigned get_capacity() const noexcept { return rows_.capacity(); }
@@ -375,9 +395,8 @@ public:
     /// Expires when the table is destroyed: what holds a table without owning it can ask.
     [[nodiscard]] std::weak_ptr<const void> life() const noexcept { return life_; }
 
-    /// Switches of the search; no operation sets them.
-    int caseSensitiveSearch = 0;
-    int wholeWordSearch = 0;
+    int caseSensitiveSearch = 0; ///< 1: queries tell case; no operation sets it
+    int wholeWordSearch = 0;     ///< 1: queries find whole words only; no operation sets it
 
 private:
     friend class dbrecord;

@@ -14,14 +14,19 @@ public:
 
     /// A frame rate as a fraction.
     struct FrameRate {
-        int numerator = 25;
-        int denominator = 1;
+        int numerator = 25;  ///< frames
+        int denominator = 1; ///< in so many seconds
     };
 
+    /// The project's frame rate, the same for every revision.
     static FrameRate getFrameRate(Revision revision);
+    /// Whether the project counts in drop-frame timecode.
     static bool getUseDropFrameTimecode();
 
+    /// Sets the rate for all of the process from now on; a host calls it when a project opens.
     static void setFrameRate(FrameRate rate) noexcept;
+    /// Sets the way of counting likewise. It takes effect at fractional rates of nominally 30
+    /// or 60.
     static void setUseDropFrameTimecode(bool use) noexcept;
     /// How often the two getters have been called, so that tests can tell reading from remembering.
     static unsigned long readCount() noexcept;

@@ -5,9 +5,12 @@
 #include <functional>
 #include <string_view>
 
-// Where the library's messages go. Each sink can be replaced by the host; an empty function
-// restores the default. Messages are formatted by the caller's arguments as `printf` does.
+/// @file
+/// Where the library's messages go. Each sink can be replaced by the host, on any thread; an empty
+/// function restores the default. Messages are formatted by the caller's arguments as `printf`
+/// does. A sink gets each message whole; most end in a newline, not all.
 
+/// Has the compiler check arguments against the format.
 #if defined(__GNUC__)
 #define TARN_PRINTF_LIKE __attribute__((format(printf, 1, 2)))
 #else
@@ -23,10 +26,15 @@ TARN_API void ole_splat(const char* format, ...) TARN_PRINTF_LIKE;
 
 namespace Tarn {
 
+/// Takes a message, which is good during the call alone. It may log itself and replace itself.
 using MessageSink = std::function<void(std::string_view)>;
 
+/// Where `LogBoth` goes; standard error by default.
 TARN_API void setLogSink(MessageSink sink);
+/// Where `console_printf`, `ole_splat` and `reportFailedCheckOnConsole` go; standard error by
+/// default.
 TARN_API void setConsoleSink(MessageSink sink);
+/// Where `putLine` and `reportFailedCheck` go; standard output by default.
 TARN_API void setOutputSink(MessageSink sink);
 
 /// Prints a line and a newline on standard output.

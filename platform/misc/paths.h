@@ -6,7 +6,10 @@
 /// The settings folders that a host may tell apart.
 class TARN_API iSettings {
 public:
-    enum eType : int { eUser = 0 };
+    /// The folder that is asked for.
+    enum eType : int {
+        eUser = 0 ///< that of the person
+    };
 };
 
 /// True for anything that exists at the path, or where a link there leads to: file, folder, device.

@@ -6,13 +6,15 @@
 #include <string_view>
 
 /// What a text label holds. Only timecode labels are parsed here.
-enum label_t : int { LABEL_TIMECODE = 6 };
+enum label_t : int {
+    LABEL_TIMECODE = 6 ///< a timecode
+};
 
 /// A frame rate as a fraction, and whether labels drop frame numbers.
 struct TARN_API TCInf {
-    int rateNumerator = 25;
-    int rateDenominator = 1;
-    bool dropFrame = false;
+    int rateNumerator = 25;  ///< frames
+    int rateDenominator = 1; ///< in so many seconds
+    bool dropFrame = false;  ///< whether drop-frame counting is asked for
 
     /// Frames a second that labels count: the rate rounded up, 30 for 29.97.
     [[nodiscard]] int nominalRate() const noexcept;
@@ -38,6 +40,7 @@ public:
     /// of zero.
     time_def(double seconds, const TCInf& rate) noexcept;
 
+    /// Whether this is a time at all.
     [[nodiscard]] bool valid() const noexcept { return valid_; }
     /// 10:00:00:05, or 10:00:00;05 under drop frame; "" for an invalid time. Negative times begin
     /// with "-".

@@ -16,11 +16,13 @@ public:
 
     /// Takes ownership of an element; null is ignored.
     void append(ArrayRec* element);
+    /// The number of elements.
     [[nodiscard]] unsigned count() const noexcept {
         return static_cast<unsigned>(elements_.size());
     }
     /// Element i, owned by the list; null out of range.
     [[nodiscard]] const ArrayRec* at(unsigned i) const noexcept;
+    /// Deletes all elements.
     void clear() noexcept;
 
 private:

@@ -12,14 +12,18 @@
 /// one.
 class TARN_API AssocList {
 public:
+    /// A name and its value.
     using Entry = std::pair<LightweightString<char>, LightweightString<char>>;
 
     /// Sets the value of a name, adding the name at the end where it is new.
     void set(const LightweightString<char>& name, const LightweightString<char>& value);
     /// The value of a name, null when the name is not there; good until the list is changed.
     [[nodiscard]] const LightweightString<char>* find(std::string_view name) const noexcept;
+    /// The number of names.
     [[nodiscard]] std::size_t size() const noexcept { return entries_.size(); }
+    /// Entry i, which must be below `size()`; good until the list is changed.
     [[nodiscard]] const Entry& operator[](std::size_t i) const noexcept { return entries_[i]; }
+    /// Takes all names out.
     void clear() noexcept { entries_.clear(); }
 
 private:

@@ -13,10 +13,10 @@
 
 /// The kinds of items that a cookie can name.
 namespace CookieType {
-inline constexpr char Invalid = 'I';
-inline constexpr char Unspecified = 'U';
-inline constexpr char Group = 'M';
-inline constexpr char Rack = 'B';
+inline constexpr char Invalid = 'I';     ///< no item at all
+inline constexpr char Unspecified = 'U'; ///< an item of whatever kind
+inline constexpr char Group = 'M';       ///< a group of items; container files ending in "sg"
+inline constexpr char Rack = 'B';        ///< a rack; container files ending in "rak"
 } // namespace CookieType
 
 /// An item identifier: a UUID of 16 bytes, a kind letter and eight flags. All three are its
@@ -27,6 +27,7 @@ inline constexpr char Rack = 'B';
 /// long   = letter "-" 8-4-4-4-12 hex digits "-" 2 hex digits of flags
 class TARN_API Cookie {
 public:
+    /// The bytes of a UUID in the order of its text.
     using Uuid = std::array<std::uint8_t, 16>;
 
     /// The invalid cookie: kind 'I', zero UUID, flags 255.
@@ -40,6 +41,7 @@ public:
             flags_ = flags;
         }
     }
+    ///@{
     /// Parses a text. White space around it and hyphens are ignored, hex digits of either case are
     /// read. By the number of characters left: 32 the UUID alone, 33 letter and UUID, 34 UUID and
     /// flags, 35 all three. Missing flags are 255. With `stored` the letter is required; without, a
@@ -49,6 +51,7 @@ public:
     Cookie(const LightweightString<char>& text, bool stored) noexcept
         : Cookie{text.view(), stored} {}
     Cookie(const LightweightString<wchar_t>& text, bool stored) noexcept;
+    ///@}
 
     /// A new random identifier (UUID version 4) of the given kind and flags.
     static Cookie random(char kind, std::uint8_t flags);
@@ -56,17 +59,24 @@ public:
     /// The text form: long with `longForm`, else short; "" for the invalid cookie.
     [[nodiscard]] LightweightString<char> asString(bool longForm) const;
 
+    /// Whether this names an item.
     [[nodiscard]] bool valid() const noexcept { return kind_ != CookieType::Invalid; }
+    /// The kind letter, see `CookieType`.
     [[nodiscard]] char kind() const noexcept { return kind_; }
+    /// The eight flags.
     [[nodiscard]] std::uint8_t flags() const noexcept { return flags_; }
+    /// The UUID; all zero for the invalid cookie.
     [[nodiscard]] const Uuid& uuid() const noexcept { return uuid_; }
 
     /// Negative, zero or positive: by kind, then UUID bytes, then flags.
     [[nodiscard]] int compare(const Cookie& other) const noexcept;
+    ///@{
+    /// As `compare`.
     friend bool operator==(const Cookie& a, const Cookie& b) noexcept { return a.compare(b) == 0; }
     friend std::strong_ordering operator<=>(const Cookie& a, const Cookie& b) noexcept {
         return a.compare(b) <=> 0;
     }
+    ///@}
 
 private:
     Uuid uuid_{};
@@ -74,6 +84,7 @@ private:
     std::uint8_t flags_ = 255;
 };
 
+/// A list of cookies, repetitions included.
 using CookieVec = std::vector<Cookie>;
 
 /// The same UUID with another kind and flags; an invalid cookie stays invalid.
@@ -81,5 +92,6 @@ TARN_API Cookie convertCookie(const Cookie& cookie, char kind, std::uint8_t flag
 
 /// Hash for unordered maps keyed by cookies.
 struct TARN_API CookieHash {
+    /// The same for equal cookies.
     std::size_t operator()(const Cookie& cookie) const noexcept;
 };

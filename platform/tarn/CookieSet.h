@@ -11,11 +11,17 @@ class TARN_API CookieSet {
 public:
     /// Adds a cookie; returns false when it was there already.
     bool add(const Cookie& cookie);
+    /// Whether a cookie was added.
     [[nodiscard]] bool contains(const Cookie& cookie) const;
+    /// The number of cookies.
     [[nodiscard]] std::size_t size() const noexcept { return order_.size(); }
+    /// Whether there is none.
     [[nodiscard]] bool empty() const noexcept { return order_.empty(); }
+    ///@{
+    /// The cookies in their order.
     [[nodiscard]] CookieVec::const_iterator begin() const noexcept { return order_.begin(); }
     [[nodiscard]] CookieVec::const_iterator end() const noexcept { return order_.end(); }
+    ///@}
 
 private:
     CookieVec order_;

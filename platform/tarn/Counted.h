@@ -11,12 +11,16 @@ namespace Tarn {
 class TARN_API Counted {
 public:
     Counted() noexcept = default;
+    ///@{
+    /// Leave both counts as they are.
     Counted(const Counted&) noexcept {}
     Counted& operator=(const Counted&) noexcept { return *this; }
+    ///@}
     virtual ~Counted();
 
+    /// Takes one count. Any thread may call it.
     void addRef() const noexcept { ++count_; }
-    /// Gives one count back; deletes the object with the last.
+    /// Gives one count back; deletes the object with the last. Any thread may call it.
     void release() const noexcept {
         if (--count_ == 0) {
             delete this;

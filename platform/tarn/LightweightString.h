@@ -27,6 +27,7 @@
 template <class Char>
 class TARN_API LightweightString {
 public:
+    /// A slice of a text of this kind.
     using View = std::basic_string_view<Char>;
 
     /// A null string.
@@ -44,6 +45,8 @@ public:
     requires std::is_arithmetic_v<Number> LightweightString(Number)
     = delete;
 
+    ///@{
+    /// Share the block, or take it over and leave a null string.
     LightweightString(const LightweightString& other) noexcept : block_{other.block_} { hold(); }
     LightweightString(LightweightString&& other) noexcept
         : block_{std::exchange(other.block_, nullptr)} {}
@@ -59,8 +62,10 @@ public:
         swap(taken);
         return *this;
     }
+    ///@}
     ~LightweightString() { drop(); }
 
+    /// Exchanges two strings, without a copy.
     void swap(LightweightString& other) noexcept { std::swap(block_, other.block_); }
 
     /// True when the string holds no character data at all; "" holds some.
@@ -94,6 +99,7 @@ public:
     [[nodiscard]] std::size_t find(Char c, std::size_t from = 0) const noexcept {
         return view().find(c, from);
     }
+    /// No position.
     static constexpr std::size_t npos = View::npos;
 
     /// At most `count` characters from `from` on, clipped at the end; never an error.
@@ -118,8 +124,9 @@ public:
         }
     }
 
+    ///@{
     /// Appends by making a new text: linear in the sum of the lengths. Build long texts in a
-    /// GrowString.
+    /// GrowString. A null pointer appends nothing.
     LightweightString& operator+=(View more) {
         std::basic_string<Char> joined{view()};
         joined += more;
@@ -128,6 +135,7 @@ public:
     LightweightString& operator+=(const LightweightString& more) { return *this += more.view(); }
     LightweightString& operator+=(const Char* more) { return *this += more ? View{more} : View{}; }
     LightweightString& operator+=(Char c) { return *this += View{&c, 1}; }
+    ///@}
     /// Appends a whole number in decimal.
     void appendDecimal(std::int64_t number) {
         Char digits[24];
@@ -145,6 +153,7 @@ public:
         *this += View{at, static_cast<std::size_t>(end - at)};
     }
 
+    ///@{
     /// Byte-wise (unsigned) and case-sensitive; a null string equals "".
     friend bool operator==(const LightweightString& a, const LightweightString& b) noexcept {
         return a.block_ == b.block_ || a.view() == b.view();
@@ -156,12 +165,16 @@ public:
                                             const LightweightString& b) noexcept {
         return a.view() <=> b.view();
     }
+    ///@}
+    ///@{
+    /// Both texts in a new one.
     friend LightweightString operator+(LightweightString a, const LightweightString& b) {
         return a += b.view();
     }
     friend LightweightString operator+(LightweightString a, const Char* b) {
         return a += (b ? View{b} : View{});
     }
+    ///@}
 
 private:
     struct Block {

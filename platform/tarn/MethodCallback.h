@@ -12,8 +12,11 @@ using NotifyCallback = std::function<int(const NotifyMsg&)>;
 template <class T>
 class MethodCallback {
 public:
+    /// The member function.
     using Method = int (T::*)(const NotifyMsg&);
+    /// Neither is owned, neither null.
     MethodCallback(T* object, Method method) noexcept : object_{object}, method_{method} {}
+    /// Calls the member function.
     int operator()(const NotifyMsg& msg) const { return (object_->*method_)(msg); }
 
 private:

@@ -11,7 +11,9 @@
 template <class T>
 class TARN_API WrappedData : public Tarn::Counted {
 public:
+    /// Takes the value over.
     explicit WrappedData(T data) : data_{std::move(data)} {}
+    /// The value, good while anybody holds this.
     [[nodiscard]] const T& data() const noexcept { return data_; }
 
 private:
@@ -21,8 +23,11 @@ private:
 /// What a listener gets: a text, or a counted payload, or nothing.
 class TARN_API NotifyMsg {
 public:
+    /// A message with nothing in it.
     NotifyMsg() = default;
+    /// A message with a text.
     explicit NotifyMsg(LightweightString<char> text) : text_{std::move(text)} {}
+    /// A message with a payload, which it holds.
     explicit NotifyMsg(Tarn::Ptr<Tarn::Counted> payload) : payload_{std::move(payload)} {}
 
     /// The text, "" when the message carries none; never null. Good while the message lives.

@@ -7,8 +7,10 @@
 #include <string_view>
 #include <vector>
 
-// Free functions over texts. Null pointers read as "".
+/// @file
+/// Functions over texts. Null pointers read as "".
 
+///@{
 /// True when a text holds nothing but blanks, tabs, CR and LF; "" and null too. Vertical tab and
 /// form feed count as text.
 TARN_API bool isEssentiallyEmpty(std::string_view text) noexcept;
@@ -18,7 +20,9 @@ inline bool isEssentiallyEmpty(const LightweightString<char>& text) noexcept {
 inline bool isEssentiallyEmpty(const char* text) noexcept {
     return isEssentiallyEmpty(text ? std::string_view{text} : std::string_view{});
 }
+///@}
 
+///@{
 /// Orders case-insensitively (ASCII): compares byte by byte, capitals as small letters, bytes
 /// unsigned, the shorter text first. Returns negative, zero or positive.
 TARN_API int compareIgnoringCase(std::string_view a, std::string_view b) noexcept;
@@ -26,6 +30,7 @@ inline int compareIgnoringCase(const char* a, const char* b) noexcept {
     return compareIgnoringCase(a ? std::string_view{a} : std::string_view{},
                                b ? std::string_view{b} : std::string_view{});
 }
+///@}
 
 /// The same for the first `count` bytes of each text.
 inline int compareIgnoringCase(std::string_view a, std::string_view b, std::size_t count) noexcept {
@@ -35,7 +40,10 @@ inline int compareIgnoringCase(std::string_view a, std::string_view b, std::size
 /// Case-insensitive order for maps keyed by strings; looks up by pointer or slice without making a
 /// string.
 struct StrCmpCI {
+    /// Lets maps look up what is no string.
     using is_transparent = void;
+    ///@{
+    /// Whether the first text stands before the second.
     bool operator()(const LightweightString<char>& a,
                     const LightweightString<char>& b) const noexcept {
         return compareIgnoringCase(a.view(), b.view()) < 0;
@@ -52,8 +60,10 @@ struct StrCmpCI {
     bool operator()(const char* a, const LightweightString<char>& b) const noexcept {
         return compareIgnoringCase(a, b.c_str()) < 0;
     }
+    ///@}
 };
 
+///@{
 /// The default order of texts for people: natural and case-insensitive. Digit runs compare by value
 /// (take 2 before take 10), other characters as `compareIgnoringCase` does; texts that tie so far
 /// are told apart by the first digit run whose number of leading zeros differs, fewer first. So 0
@@ -64,6 +74,7 @@ inline int strxcmp(const char* a, const char* b) noexcept {
     return strxcmp(a ? std::string_view{a} : std::string_view{},
                    b ? std::string_view{b} : std::string_view{});
 }
+///@}
 
 /// True for characters that end a word in a search: ASCII characters other than letters, digits and
 /// '_'.
@@ -94,8 +105,11 @@ TARN_API LightweightString<wchar_t> WStringFromAscii(const char* text);
 /// Predicate for `splitIf`: one separator character.
 class IsMatchingChar {
 public:
+    /// Cuts at this character.
     explicit constexpr IsMatchingChar(char separator) noexcept : separator_{separator} {}
+    /// Whether a character is the separator.
     constexpr bool operator()(char c) const noexcept { return c == separator_; }
+    /// The separator.
     [[nodiscard]] constexpr char character() const noexcept { return separator_; }
 
 private:

@@ -10,12 +10,14 @@
 class TARN_API StringRec : public ArrayRec {
 public:
     StringRec() = default;
+    /// Shares the text.
     explicit StringRec(LightweightString<char> text) : text_{std::move(text)} {}
     ~StringRec() override;
 
     /// As `strcmp` of the two texts, null as "". Another class of element orders by address.
     [[nodiscard]] int compare(const ArrayRec& other) const override;
     void printOn(GrowString& out) const override;
+    /// The text.
     [[nodiscard]] const LightweightString<char>& string() const noexcept { return text_; }
 
 private:

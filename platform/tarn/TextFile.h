@@ -33,9 +33,11 @@ public:
     TextFile(const LightweightString<wchar_t>& path, bool loadNow);
     /// What was streamed without a `save` is thrown away.
     ~TextFile();
+    ///@{
     /// Leaves `other` as a new text file is: without lines and path.
     TextFile(TextFile&& other) noexcept;
     TextFile& operator=(TextFile&& other) noexcept;
+    ///@}
     TextFile(const TextFile&) = delete;
     TextFile& operator=(const TextFile&) = delete;
 
@@ -70,11 +72,13 @@ public:
     [[nodiscard]] unsigned line() const noexcept { return current_; }
     /// Goes to line n, or to the end where there is none.
     void setLine(unsigned n) noexcept;
+    /// Whether `nextLine` has brought the last line.
     [[nodiscard]] bool atEnd() const;
     /// The current line as a slice; goes on to the next line. Empty, without moving, at the end.
     /// A line of `streamFrom` is good until the next call.
     std::string_view nextLine();
 
+    ///@{
     /// Appends a line, bytes as given; a null pointer appends an empty line. Amortised linear in
     /// the line's length.
     void appendLine(std::string_view text);
@@ -82,6 +86,7 @@ public:
     void appendLine(const char* text) {
         appendLine(text ? std::string_view{text} : std::string_view{});
     }
+    ///@}
 
     /// From now on appended lines go to the file system as they come, in large pieces, and are not
     /// kept: for files too long to hold. Lines appended before are written first and leave memory.

@@ -2,8 +2,8 @@
 # Installs what the project needs from the system's own package archive (Debian, Ubuntu), and
 # nothing where everything is there. Asks no questions; uses sudo only where it is not root.
 #
-# usage: scripts/install-deps.sh [build] [test] [lint] [bench] [valgrind]
-#                                                       default: all but valgrind
+# usage: scripts/install-deps.sh [build] [test] [lint] [bench] [valgrind] [picture]
+#                                      default: all but valgrind and picture
 set -euo pipefail
 
 # Each need: the package, and a command that succeeds where it is there already.
@@ -41,12 +41,20 @@ libclang-rt-dev compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fu
 clang-tidy      command -v run-clang-tidy
 clang-format    command -v clang-format
 shellcheck      command -v shellcheck
+doxygen         command -v doxygen
 END
 }
 
 valgrind_needs() {
   cat <<'END'
 valgrind        command -v valgrind
+END
+}
+
+picture_needs() {
+  cat <<'END'
+tmux            command -v tmux
+python3-rich    /usr/bin/python3 -c 'import rich'
 END
 }
 
@@ -86,9 +94,9 @@ groups=("$@")
 missing=()
 for group in "${groups[@]}"; do
   case $group in
-    build | test | lint | bench | valgrind) mapfile -t -O "${#missing[@]}" missing < <("${group}_needs" | missing_packages) ;;
+    build | test | lint | bench | valgrind | picture) mapfile -t -O "${#missing[@]}" missing < <("${group}_needs" | missing_packages) ;;
     *)
-      echo "usage: scripts/install-deps.sh [build] [test] [lint] [bench] [valgrind]" >&2
+      echo "usage: scripts/install-deps.sh [build] [test] [lint] [bench] [valgrind] [picture]" >&2
       exit 2
       ;;
   esac

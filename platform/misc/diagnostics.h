@@ -24,6 +24,7 @@ TARN_API void console_printf(const char* format, ...) TARN_PRINTF_LIKE;
 /// Messages of last resort, to the console.
 TARN_API void ole_splat(const char* format, ...) TARN_PRINTF_LIKE;
 
+/// What the platform offers besides its global names.
 namespace Tarn {
 
 /// Takes a message, which is good during the call alone. It may log itself and replace itself.

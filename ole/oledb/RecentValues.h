@@ -21,20 +21,20 @@ public:
     LightweightString<char> stringOf(std::size_t column, std::string_view text) {
         if (early_ != 0) {
             --early_;
-            return LightweightString<char>{text};
+            return LightweightString<char>::ofWhole(text);
         }
         columns_.resize(count_);
         Column& met = columns_[column];
         if (met.rest != 0) {
             --met.rest;
-            return LightweightString<char>{text};
+            return LightweightString<char>::ofWhole(text);
         }
         const Ends ends{text};
         Value& place = met.values[ends.slot()];
         const bool known = place.is(text, ends);
         met.note(known);
         if (!known) {
-            place = {ends, LightweightString<char>{text}};
+            place = {ends, LightweightString<char>::ofWhole(text)};
         }
         return place.string;
     }

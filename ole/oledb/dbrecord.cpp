@@ -62,9 +62,11 @@ const char* exportKey(const char* column) {
 }
 
 /// The value itself where it begins with none, so that records share it.
-LightweightString<char> withoutLeadingBlanks(const LightweightString<char>& value) {
-    const std::string_view text = Tarn::trimmedFront(value.c_str());
-    return !text.empty() && text.size() == value.size() ? value : LightweightString<char>{text};
+LightweightString<char> withoutLeadingBlanks(LightweightString<char> value) {
+    if (value.empty() || Tarn::isSpace(value[0])) {
+        return LightweightString<char>{Tarn::trimmedFront(value.view())};
+    }
+    return value;
 }
 
 } // namespace
@@ -128,12 +130,12 @@ int dbrecord::set_field(int i, const char* s, bool skipBlanks) {
     return 1;
 }
 
-int dbrecord::set_string(int i, const LightweightString<char>& text) {
+int dbrecord::set_string(int i, LightweightString<char> text) {
     if (i < 0 || i >= size_) {
         return 0;
     }
     LightweightString<char>& held = values_[static_cast<std::size_t>(i)];
-    LightweightString<char> stored = withoutLeadingBlanks(text);
+    LightweightString<char> stored = withoutLeadingBlanks(std::move(text));
     if (!stored.empty() || !held.empty()) {
         held = std::move(stored);
     }

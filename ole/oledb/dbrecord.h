@@ -74,7 +74,7 @@ public:
     int set_field(int i, const char* s, bool skipBlanks = true);
     /// As `set_field` with `skipBlanks`, but a text without leading white space is shared, not
     /// copied.
-    int set_string(int i, const LightweightString<char>& text);
+    int set_string(int i, LightweightString<char> text);
     /// Stores a number in decimal.
     int set_field(int i, int v);
     /// Stores a time in seconds with eight decimals. The invalid time 1e99 is reported on standard

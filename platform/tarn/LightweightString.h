@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tarn/Ascii.h"
+#include "tarn/byteWords.h"
 #include "tarn/export.h"
 #include "tarn/StringMemory.h"
 
@@ -38,6 +39,12 @@ public:
     constexpr LightweightString(std::nullptr_t) noexcept {}
     /// A copy of a text up to its first zero character; never null.
     explicit LightweightString(View text) : block_{make(text.substr(0, text.find(Char{})))} {}
+    /// A copy of a text that holds no zero character, which the caller vouches for; never null.
+    [[nodiscard]] static LightweightString ofWhole(View text) {
+        LightweightString string;
+        string.block_ = make(text);
+        return string;
+    }
     /// A copy of the first `count` characters at `text`; a null pointer gives a null string.
     LightweightString(const Char* text, std::size_t count)
         : LightweightString{text ? LightweightString{View{text, count}} : LightweightString{}} {}
@@ -177,6 +184,8 @@ public:
     ///@}
 
 private:
+    static constexpr std::size_t shortest = 64; // texts for which a call of the C library pays
+
     struct Block {
         int count;
         std::uint32_t length;
@@ -210,9 +219,18 @@ private:
         ::new (block) Block{1, static_cast<std::uint32_t>(source.size())};
         auto* const out =
             reinterpret_cast<Char*>(reinterpret_cast<unsigned char*>(block) + sizeof(Block));
-        source.copy(out, source.size());
+        copyTo(out, source);
         out[source.size()] = Char{};
         return block;
+    }
+    static void copyTo(Char* out, View source) noexcept {
+        if constexpr (std::is_same_v<Char, char>) {
+            if (source.size() <= shortest) {
+                Tarn::copyShort(out, source);
+                return;
+            }
+        }
+        source.copy(out, source.size());
     }
     void hold() const noexcept {
         if (block_ && block_->length != 0) {

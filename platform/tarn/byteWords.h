@@ -32,8 +32,14 @@ inline std::uint64_t hasByte(std::uint64_t word, char byte) noexcept {
     return (rest - ones) & ~rest & (ones << 7);
 }
 
+/// Not 0 where one of the bytes of a word is below `bound`, which is 1 to 128. Source: the same.
+inline std::uint64_t hasByteBelow(std::uint64_t word, unsigned char bound) noexcept {
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    return (word - ones * bound) & ~word & (ones << 7);
+}
+
 /// Copies a text to a place with room for it and returns, taken together, what `marks` gives for
-/// its words: not 0 where the text holds a byte that `marks` looks for, which is not the zero byte.
+/// its words: not 0 where the text holds a byte that `marks` looks for, which is not 255.
 template <class Marks>
 std::uint64_t copyMarking(char* to, std::string_view text, Marks marks) noexcept {
     const char* const from = text.data();
@@ -56,12 +62,17 @@ std::uint64_t copyMarking(char* to, std::string_view text, Marks marks) noexcept
         std::memcpy(to + n - 4, &back, sizeof(back));
         return marks(std::uint64_t{front} << 32 | back);
     }
-    std::uint64_t few = 0;
+    std::uint64_t few = ~std::uint64_t{0};
     for (std::size_t i = 0; i < n; ++i) {
         to[i] = from[i];
         few = few << 8 | static_cast<unsigned char>(from[i]);
     }
     return marks(few);
+}
+
+/// Copies a short text to a place with room for it.
+inline void copyShort(char* to, std::string_view text) noexcept {
+    copyMarking(to, text, [](std::uint64_t) noexcept { return std::uint64_t{0}; });
 }
 
 } // namespace Tarn

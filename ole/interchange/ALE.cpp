@@ -109,9 +109,10 @@ Layout scanHeading(const TextFile& file) {
 struct Target {
     int field;
     std::size_t firstColumn;
-    std::string_view value;
-    std::string joined;
-    bool isJoined;
+    bool isShared = false; // by several columns
+    std::string_view value{};
+    std::string joined{};
+    bool isJoined = false;
 
     /// Makes `joined` hold the value and no more; its text is copied the first time only.
     void keepValue() {
@@ -140,6 +141,7 @@ public:
         }
         setParameters();
         mapColumns();
+        findSharingColumns();
         findFilmLabel();
         recent_ = RecentValues{targets_.size()};
         for (auto i = static_cast<unsigned>(layout_.firstDataLine); i < file_.numLines(); ++i) {
@@ -177,7 +179,7 @@ private:
             const LightweightString<char> column{name};
             const int field = ALE::findODBColumnFor(table_, column);
             if (name == keyNumberColumn) {
-                keyNumberIndex_ = static_cast<int>(columns_.size());
+                keyNumberIndex_ = columns_.size();
             }
             columns_.append(targetOf(field));
             noteColumn(column, field);
@@ -195,9 +197,19 @@ private:
                          [field](const auto& entry) { return entry.field == field; });
         const auto index = known - targets_.begin();
         if (known == targets_.end()) {
-            targets_.push_back({field, columns_.size(), {}, {}, false});
+            targets_.push_back({field, columns_.size()});
+        } else {
+            known->isShared = true;
         }
         return static_cast<int>(index);
+    }
+
+    void findSharingColumns() {
+        for (unsigned i = 0; i < columns_.size(); ++i) {
+            if (columns_[i] >= 0 && targets_[static_cast<std::size_t>(columns_[i])].isShared) {
+                sharingColumns_.push_back(i);
+            }
+        }
     }
 
     void noteColumn(const LightweightString<char>& column, int field) {
@@ -240,8 +252,10 @@ private:
         }
         ++report_.recordsAdded;
         report_.rowLines.push_back(lineIndex + 1);
-        for (unsigned i = 0; i < pieces_.size(); ++i) {
-            joinPiece(i);
+        for (std::size_t i : sharingColumns_) {
+            if (i < pieces_.size()) {
+                joinPiece(i);
+            }
         }
         storeValues(static_cast<unsigned>(added));
     }
@@ -252,11 +266,8 @@ private:
     }
 
     /// Joined here and stored once: a log may send any number of columns to one field.
-    void joinPiece(unsigned i) {
-        if (columns_[i] < 0) {
-            return;
-        }
-        Target& target = targets_[static_cast<std::size_t>(columns_[i])];
+    void joinPiece(std::size_t i) {
+        Target& target = targets_[static_cast<std::size_t>(columns_[static_cast<unsigned>(i)])];
         std::string_view value = pieces_[i];
         if (target.value.empty()) {
             target.isJoined = false;
@@ -264,26 +275,39 @@ private:
             target.keepValue();
             value = target.joined.append(", ").append(value);
         }
+        target.value = cleaned(value, i, target);
+    }
+
+    /// A value of column i as tables store it.
+    std::string_view cleaned(std::string_view value, std::size_t i, Target& target) const {
         value = value.substr(0, value.find_last_not_of(' ') + 1);
-        if (static_cast<int>(i) == keyNumberIndex_ && !isEssentiallyEmpty(value) &&
-            value != unknownKeyNumber) {
+        if (i == keyNumberIndex_ && !isEssentiallyEmpty(value) && value != unknownKeyNumber) {
             target.joined = normalisedKeyNumber(value);
             target.isJoined = true;
             value = target.joined;
         }
-        target.value = Tarn::trimmedFront(value); // as tables store it
+        return Tarn::trimmedFront(value);
+    }
+
+    /// The value of the row for a field, which is then ready for the next row.
+    std::string_view taken(Target& target) const {
+        if (!target.isShared) {
+            return cleaned(pieces_[target.firstColumn], target.firstColumn, target);
+        }
+        target.isJoined = false;
+        return std::exchange(target.value, {});
     }
 
     void storeValues(unsigned row) {
         dbrecord* const record = recordOf(row);
         for (std::size_t i = 0; i < targets_.size(); ++i) {
             Target& target = targets_[i];
-            if (target.firstColumn < pieces_.size()) {
-                const std::string_view value = std::exchange(target.value, {});
-                target.isJoined = false;
-                store(record, row, target.field,
-                      value.empty() ? LightweightString<char>{} : recent_.stringOf(i, value));
+            if (target.firstColumn >= pieces_.size()) {
+                break;
             }
+            const std::string_view value = taken(target);
+            store(record, row, target.field,
+                  value.empty() ? LightweightString<char>{} : recent_.stringOf(i, value));
         }
         if (layout_.filmFormat != FilmFormat::None) {
             store(record, row, filmLabelField_, filmLabel_);
@@ -295,9 +319,9 @@ private:
         return typeid(table_) == typeid(oledb) ? table_.get_record(row) : nullptr;
     }
 
-    void store(dbrecord* record, unsigned row, int field, const LightweightString<char>& value) {
+    void store(dbrecord* record, unsigned row, int field, LightweightString<char> value) {
         if (record) {
-            record->set_string(field, value);
+            record->set_string(field, std::move(value));
         } else {
             table_.set_field(row, static_cast<unsigned>(field), value.c_str());
         }
@@ -314,7 +338,8 @@ private:
     Layout layout_;
     Vector<int> columns_; // for each its target, or -1
     std::vector<Target> targets_;
-    int keyNumberIndex_ = -1;
+    std::vector<std::size_t> sharingColumns_; // those whose field other columns go to as well
+    std::size_t keyNumberIndex_ = std::string_view::npos;
     int filmLabelField_ = -1;
     LightweightString<char> filmLabel_;
     RecentValues recent_{0}; // of each target

@@ -47,8 +47,11 @@ std::uint64_t holdsComma(std::uint64_t word) {
 }
 
 /// The comma is looked for while the text is copied; the few values that hold one are moved up.
-void appendText(Tarn::LineBuffer& line, std::string_view text) {
-    char* const to = line.roomFor(text.size() + 2);
+void appendText(Tarn::LineBuffer& line, std::string_view separator, std::string_view text) {
+    char* to = line.roomFor(separator.size() + text.size() + 2);
+    for (const char c : separator) {
+        *to++ = c;
+    }
     if (Tarn::copyMarking(to, text, holdsComma) == 0) {
         line.takeUpTo(to + text.size());
         return;
@@ -59,20 +62,21 @@ void appendText(Tarn::LineBuffer& line, std::string_view text) {
     line.takeUpTo(to + text.size() + 2);
 }
 
-void appendConverted(Tarn::LineBuffer& line, const LightweightString<char>& value,
-                     DBFieldTypes::eType type) {
+void appendConverted(Tarn::LineBuffer& line, std::string_view separator,
+                     const LightweightString<char>& value, DBFieldTypes::eType type) {
+    line.append(separator);
     const std::string_view quote = value.find(',') == std::string_view::npos ? "" : "\"";
     line.append(quote);
     line.append(CSV::convertField(value, type).view());
     line.append(quote);
 }
 
-void appendValue(Tarn::LineBuffer& line, const LightweightString<char>& value,
-                 DBFieldTypes::eType type) {
+void appendValue(Tarn::LineBuffer& line, std::string_view separator,
+                 const LightweightString<char>& value, DBFieldTypes::eType type) {
     if (type == DBFieldTypes::DOUBLE || type == DBFieldTypes::DOS_DATE) {
-        appendConverted(line, value, type);
+        appendConverted(line, separator, value, type);
     } else {
-        appendText(line, value.view());
+        appendText(line, separator, value.view());
     }
 }
 
@@ -172,13 +176,13 @@ void CSV::makeLine(Tarn::LineBuffer& line, const std::vector<Column>& columns, u
     const dbrecord* const record = plain ? view->get_record(row) : nullptr;
     std::string_view separator;
     for (const Column& column : columns) {
-        line.append(separator);
-        separator = ",";
         if (record) {
-            appendValue(line, record->getField(static_cast<unsigned short>(column.field)),
-                        column.type);
+            appendValue(line, separator,
+                        record->getField(static_cast<unsigned short>(column.field)), column.type);
         } else {
-            appendValue(line, plain ? nullptr : view->get_field(row, column.field), column.type);
+            appendValue(line, separator, plain ? nullptr : view->get_field(row, column.field),
+                        column.type);
         }
+        separator = ",";
     }
 }

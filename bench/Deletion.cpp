@@ -92,6 +92,33 @@ void removeTagged(benchmark::State& state, unsigned rows) {
     });
 }
 
+/// Deletes the rows of every tenth entry of a view of everything, in the rows' order or in that of
+/// a text.
+void deleteThroughView(benchmark::State& state, unsigned rows, bool sorted) {
+    struct Shown {
+        std::unique_ptr<oledb> table;
+        ODBView view;
+    };
+    const auto tagged = [=] {
+        auto table = freshTable(rows);
+        ODBView view{table.get()};
+        view->displayAllRecords();
+        if (sorted) {
+            view->set_sortfield(view->get_fieldnum("Note"));
+            view->sort(1, 0);
+        }
+        for (unsigned i = 0; i < rows; i += 10) {
+            view->set_tag(i, 1);
+        }
+        return Shown{std::move(table), std::move(view)};
+    };
+    measure(state, rows, tagged, [=](Shown& shown) {
+        const int deleted = static_cast<int>((rows + 9) / 10);
+        return shown.view->deleteTagged() == deleted &&
+               shown.view->count() == static_cast<int>(rows) - deleted;
+    });
+}
+
 void deleteSqlite(benchmark::State& state, unsigned rows) {
     const auto fresh = [=] {
         return std::make_unique<Sqlite>(Sqlite::withCsv(workloadFile(Form::Csv, rows)));
@@ -142,6 +169,12 @@ void addDeletion() {
         }
     }
     add("delete10-views0", "sqlite", deleteSqlite);
+    add("delete10-by-view", "ours", [](benchmark::State& state, unsigned rows) {
+        deleteThroughView(state, rows, false);
+    });
+    add("delete10-by-sorted-view", "ours", [](benchmark::State& state, unsigned rows) {
+        deleteThroughView(state, rows, true);
+    });
     add("remove10", "ours", removeTagged);
     add("append", "ours", append);
     add("insert", "ours", insert);

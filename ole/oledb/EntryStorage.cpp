@@ -108,6 +108,46 @@ void EntryStorage::openGap(int at, int n) noexcept {
     count_ += n;
 }
 
+namespace {
+
+/// Those that go to places in front of the first entry are turned round, and the others follow the
+/// one that is then the first.
+void turnRound(std::vector<std::uint32_t>& rows, int at) {
+    const auto front = std::min<long long>(-static_cast<long long>(at), std::ssize(rows) - 1);
+    std::reverse(rows.begin(), rows.begin() + front);
+    std::rotate(rows.begin(), rows.begin() + front, rows.end());
+}
+
+} // namespace
+
+/// Each insertion in front of an entry moves it up and leaves its tag to the new one. Insertions at
+/// the end find the tags that are there, which a larger memory on the way does not have.
+void EntryStorage::insert(int at, std::vector<std::uint32_t> rows) {
+    if (rows.empty() || at >= count_) {
+        for (const std::uint32_t row : rows) {
+            put(row);
+        }
+        return;
+    }
+    if (at < 0) {
+        turnRound(rows, at);
+    }
+    if (count_ == 0) {
+        put(rows.back());
+        rows.pop_back();
+    }
+    const int n = static_cast<int>(rows.size());
+    for (int i = 1; i <= n; ++i) {
+        sizeFor(count_ + i);
+    }
+    openGap(std::max(at, 0), n);
+    Entry* const gap = entries_.get() + std::max(at, 0);
+    const std::uint8_t tag = gap[n].tag;
+    std::transform(rows.begin(), rows.end(), gap, [tag](std::uint32_t row) {
+        return Entry{row, tag};
+    });
+}
+
 void EntryStorage::takeOut(int from, int n) {
     auto storage = storageFor(capacityFor(count_ - n, capacity_));
     Entry* const entries = entries_.get();

@@ -42,6 +42,9 @@ public:
     /// Moves the entries from `at` on up by n, for which there is room. Those in the gap keep what
     /// their memory held.
     void openGap(int at, int n) noexcept;
+    /// Inserts entries as single insertions at `at`, `at` + 1, ... do, each place brought into
+    /// range: linear in the entries.
+    void insert(int at, std::vector<std::uint32_t> rows);
     /// Takes n entries out. Nothing is changed where memory runs out.
     void takeOut(int from, int n);
     /// Takes out by runs, in one pass, what is tagged, or what is not; returns how many. Every

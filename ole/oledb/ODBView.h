@@ -196,8 +196,8 @@ public:
     void displayTaggedRecordsAt(int at);
     ///@{
     /// Inserts the rows of cookies, one after the other from `at` on; returns how many were found.
-    /// Linear in the table's rows once, in the cookies, and in the entries behind `at` for each one
-    /// found. Over a base view a row is taken as `displayMatchAt` takes it.
+    /// Linear in the cookies, in the entries behind `at` and, where a cookie is not found, in the
+    /// table's rows. Over a base view a row is taken as `displayMatchAt` takes it.
     int displayRecordsAt(const std::vector<Cookie>& cookies, int at);
     int displayRecordsAt(const CookieSet& cookies, int at);
     ///@}
@@ -207,8 +207,7 @@ public:
     /// The same with the tags of the source, where it has a field "Tag".
     void displayAllRecordsWithBaseTagStatus();
     /// Adds what another view on the same table shows and this one does not; neither may have a
-    /// base view. Returns how many were added. Linear in both, and
-    /// in the entries behind `at` for each one added.
+    /// base view. Returns how many were added. Linear in both.
     int displayAllFromAt(ODBViewRep* other, int at);
     /// The first position that shows a record; -1 for none. Linear.
     [[nodiscard]] int find(dbrecord* record) const;
@@ -383,6 +382,7 @@ private:
 
     class KeepAlive;
     class Following;
+    class TaggedDeletion;
 
     [[nodiscard]] bool isPosition(int i) const noexcept { return i >= 0 && i < index.held(); }
     [[nodiscard]] int clamped(int at) const noexcept;
@@ -392,6 +392,7 @@ private:
     void retargetReferences(const ODBBase* from);
     void release() noexcept;
     [[nodiscard]] std::vector<int> rowsOf(const std::vector<Cookie>& cookies) const;
+    int displayEachAt(std::vector<std::uint32_t> rows, int at);
     void copyTagsTo(ODBViewRep& other) const;
     void followToTheEnd();
     void noteTakenOut(int from, int n) noexcept;
@@ -400,7 +401,7 @@ private:
     void sortEntries();
     [[nodiscard]] bool leadsTo(const ODBViewRep* view) const noexcept;
     template <class Selects, class Take>
-    int takeRuns(Selects selects, Take take);
+    int takeRuns(int i, Selects selects, Take take);
     template <class Tag>
     void tagFromSourceRows(Tag tagOf);
 

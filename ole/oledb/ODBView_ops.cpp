@@ -1,18 +1,11 @@
-// What views do with their entries: tags, display, removal, and the insertion and deletion of table
-// rows.
-//
-// Removal and deletion call listeners, which may change this view or take its last handle: counts
-// and rows are asked for anew after each call, and the view is kept alive until the operation ends.
+// What views do with their entries: tags, display, the insertion of table rows, copies.
 
 #include "ole/oledb/LifeSupport.h"
-#include "ole/oledb/messageTypes.h"
 #include "ole/oledb/ODBView.h"
 #include "ole/oledb/oledb.h"
-#include "ole/oledb/rowNumbers.h"
 #include "ole/oledb/ViewKeepAlive.h"
 #include "tarn/Cookie.h"
 #include "tarn/CookieSet.h"
-#include "tarn/NotifyMsg.h"
 #include "tarn/numbers.h"
 #include "tarn/StringFunctions.h"
 
@@ -22,15 +15,7 @@
 #include <span>
 #include <typeinfo>
 #include <unordered_set>
-
-namespace {
-
-/// The position behind `shown` entries that begin at `at`, which may be any number.
-int behind(int at, int shown) {
-    return at > INT_MAX - shown ? INT_MAX : at + shown;
-}
-
-} // namespace
+#include <utility>
 
 // -- tags --
 
@@ -230,12 +215,22 @@ int ODBViewRep::displayRecordsAt(const std::vector<Cookie>& cookies, int at) {
     const KeepAlive alive{*this};
     const LifeSupport lifeSupport;
     followToTheEnd();
-    int shown = 0;
+    std::vector<std::uint32_t> found;
     for (const int row : rowsOf(cookies)) {
         if (row >= 0) {
-            shown += displayRecordsAt(row, 1, behind(at, shown));
+            found.push_back(static_cast<std::uint32_t>(row));
         }
     }
+    return displayEachAt(std::move(found), at);
+}
+
+/// Displays rows as one call for each does, each behind the one before.
+int ODBViewRep::displayEachAt(std::vector<std::uint32_t> rows, int at) {
+    followToTheEnd();
+    const auto room = static_cast<std::size_t>(INT_MAX - index.numIndex());
+    rows.resize(std::min(rows.size(), room));
+    const int shown = static_cast<int>(rows.size());
+    index->insert(at, std::move(rows));
     return shown;
 }
 
@@ -271,14 +266,14 @@ int ODBViewRep::displayAllFromAt(ODBViewRep* other, int at) {
     for (int i = 0; i < index.numIndex(); ++i) {
         shown.insert((*this)[i]);
     }
-    int added = 0;
+    std::vector<std::uint32_t> missing;
     for (int i = 0; i < other->index.numIndex(); ++i) {
         const dbrecord* const record = (*other)[i];
         if (record && shown.insert(record).second) {
-            added += displayRecordsAt(other->baseIndex(i), 1, behind(at, added));
+            missing.push_back(static_cast<std::uint32_t>(other->baseIndex(i)));
         }
     }
-    return added;
+    return displayEachAt(std::move(missing), at);
 }
 
 int ODBViewRep::find(dbrecord* record) const {
@@ -288,100 +283,6 @@ int ODBViewRep::find(dbrecord* record) const {
         }
     }
     return -1;
-}
-
-// -- removal --
-
-void ODBViewRep::remove(int from, int n) {
-    if (from < 0 || from >= index.numIndex() || n < 0) {
-        return;
-    }
-    issueNotification(takeOut(from, std::min(n, index.numIndex() - from)), recordsDeletedType());
-}
-
-/// Takes entries out and gives the message of it, which is to be issued.
-NotifyMsg ODBViewRep::takeOut(int from, int n) {
-    NotifyMsg msg =
-        hasListeners(recordsDeletedType())
-            ? NotifyMsg{rowNumbers(static_cast<unsigned>(from), static_cast<unsigned>(n))}
-            : NotifyMsg{};
-    index->takeOut(from, n);
-    noteTakenOut(from, n);
-    return msg;
-}
-
-/// How many entries from `from` on show consecutive source rows. The bound deliberately compares
-/// the position with the count: from 0 runs are found in full, from later positions fewer entries
-/// are looked at, or none.
-int ODBViewRep::runLength(int from, int k) const noexcept {
-    int length = 1;
-    for (int j = from; j < k - 1 && j + 1 < index.held(); ++j) {
-        if (index[j].row + 1 != index[j + 1].row) {
-            break;
-        }
-        ++length;
-    }
-    return length;
-}
-
-void ODBViewRep::removeRecordsFromBaseView(int from, int n) {
-    const KeepAlive alive{*this};
-    for (int left = n; from >= 0 && source();) {
-        const int k = std::min(left, index.numIndex() - from);
-        if (k < 1) {
-            return;
-        }
-        if (!base) {
-            remove(from, k);
-            return;
-        }
-        if (!isPosition(from)) { // counted, but without storage
-            return;
-        }
-        const int run = runLength(from, k);
-        base->removeRecordsFromBaseView(sourceRow(from), run);
-        if (k <= run) {
-            return;
-        }
-        left = k - run;
-    }
-}
-
-/// Hands each maximal run of entries that a test selects to `take`, which takes them out, and
-/// returns how many entries that were. The walk goes on where the run began.
-template <class Selects, class Take>
-int ODBViewRep::takeRuns(Selects selects, Take take) {
-    int start = -1;
-    int taken = 0;
-    int i = 0;
-    for (; i < index.numIndex(); ++i) {
-        if (selects(i)) {
-            start = start < 0 ? i : start;
-        } else if (start >= 0) {
-            take(start, i - start);
-            taken += i - start;
-            i = start;
-            start = -1;
-        }
-    }
-    if (start >= 0) {
-        take(start, i - start);
-        taken += i - start;
-    }
-    return taken;
-}
-
-int ODBViewRep::removeSome(Predicate selects) {
-    if (!source() || !selects) {
-        return 0;
-    }
-    const KeepAlive alive{*this};
-    const bool byTag = selects == &ODBViewRep::tag || selects == &ODBViewRep::notTagged;
-    if (byTag && !base && !following_ && !isHeard() && index.numIndex() <= index.indexSize()) {
-        return index->takeOutTagged(selects == &ODBViewRep::tag);
-    }
-    return takeRuns([this, selects](int i) { return (this->*selects)(i); },
-                    [this](int from, int n) { removeRecordsFromBaseView(from, n); });
 }
 
 // -- rows of the table --
@@ -413,35 +314,6 @@ int ODBViewRep::insertBlankRecords(int at, int n) {
         row = i < p + n ? first + static_cast<std::uint32_t>(i - p) : row + shift;
     }
     return n;
-}
-
-int ODBViewRep::deleteRecords(int from, int n) {
-    const KeepAlive alive{*this};
-    int handled = 0;
-    for (int left = n; from >= 0;) {
-        ODBBase* const rows = source();
-        const int k = std::min(left, index.numIndex() - from);
-        if (k < 1 || !rows || !isPosition(from)) { // also one counted, but without storage
-            return handled;
-        }
-        const int run = runLength(from, k);
-        rows->delete_records(static_cast<unsigned>(sourceRow(from)), static_cast<unsigned>(run));
-        handled += run;
-        if (k <= run) {
-            return handled;
-        }
-        left = k - run;
-    }
-    return handled;
-}
-
-int ODBViewRep::deleteTagged() {
-    if (!source()) {
-        return 0;
-    }
-    const KeepAlive alive{*this};
-    return takeRuns([this](int i) { return tag(i); },
-                    [this](int from, int n) { deleteRecords(from, n); });
 }
 
 // -- copies --

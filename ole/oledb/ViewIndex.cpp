@@ -21,6 +21,7 @@ bool ViewIndex::putOff(const NotifyMsg& msg) {
         return true;
     }
     const bool taken = putOff_.add(msg);
+    waits_ = waits_ || !putOff_.empty();
     if (putOff_.size() > fewest + static_cast<std::size_t>(storage_.count())) {
         settle();
     }
@@ -28,6 +29,10 @@ bool ViewIndex::putOff(const NotifyMsg& msg) {
 }
 
 void ViewIndex::settle() const noexcept {
+    waits_ = unseen_ = false;
+    if (putOff_.empty()) {
+        return;
+    }
     const DeletedRows rows = std::exchange(putOff_, {});
     try {
         storage_.takeOutRows(rows);

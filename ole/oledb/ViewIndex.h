@@ -32,15 +32,24 @@ public:
 
     void clear() noexcept {
         putOff_ = {};
+        waits_ = unseen_ = false;
         storage_.clear();
     }
     /// Takes over a message of deleted rows, to be followed when somebody looks. False, and nothing
     /// taken over, where it must be followed step by step.
     bool putOff(const NotifyMsg& msg);
+    /// What was put off and is still to be done, in the order in which it came.
+    [[nodiscard]] const std::vector<DeletedRows::Run>& pending() const noexcept {
+        return putOff_.runs();
+    }
+    /// Tells from here on whether anybody looks.
+    void watch() noexcept { waits_ = unseen_ = true; }
+    /// Whether nobody has looked since `watch`.
+    [[nodiscard]] bool isUnseen() const noexcept { return unseen_; }
 
 private:
     EntryStorage& settled() const noexcept {
-        if (!putOff_.empty()) {
+        if (waits_) {
             settle();
         }
         return storage_;
@@ -49,4 +58,6 @@ private:
 
     mutable EntryStorage storage_;
     mutable DeletedRows putOff_;
+    mutable bool waits_ = false; // something is put off, or who looks is to be noticed
+    mutable bool unseen_ = false;
 };

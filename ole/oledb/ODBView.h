@@ -241,7 +241,9 @@ public:
     /// for each run of rows, and of every view that somebody listens to for each row.
     int deleteRecords(int from, int n);
     /// Deletes the table's rows behind the tagged positions; returns how many positions were
-    /// handled. Where two positions show one row, a further row goes.
+    /// handled. Where two positions show one row, a further row goes. V steps, and log R for each
+    /// row that goes, while nobody listens to a view that stands on the table and shows no row
+    /// twice; else as `deleteRecords`.
     int deleteTagged();
 
     // -- order, copies, files --

@@ -28,7 +28,8 @@ public:
 /// issues a message of the same type, those who have not been told of the first one yet are told of
 /// it before anybody hears of the second, so everybody hears messages in their order. A listener
 /// that throws keeps the message from nobody; the first exception passes through to the issuer
-/// when all have been told. One thread at a time.
+/// when all have been told. One thread at a time. What nobody is registered for need not be
+/// issued, and may be issued without its text: whoever overrides `issueNotification` sees it so.
 class TARN_API Notifier : public NotifierBase {
 public:
     Notifier();

@@ -27,8 +27,8 @@ struct dberror {
         0; ///< 1 a row does not fill all fields, 2 unknown column type, 3 a header line is wrong
     int where =
         0; ///< code 1: rows read before; codes 2 and 3: the header line, "OLEDB" being line 1
-    int aux1 = 0; ///< nothing yet: 0
-    int aux2 = 0; ///< nothing yet: 0
+    int aux1 = 0; ///< 0 from loading
+    int aux2 = 0; ///< 0 from loading
 };
 
 /// The table: a fixed set of named, typed columns and a growable list of rows, with a tag a row, up

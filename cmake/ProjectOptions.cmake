@@ -3,7 +3,7 @@
 #
 # The library target `ole_flags` carries warnings and sanitizers; each target links it privately.
 
-option(OLE_WERROR "Treat compiler warnings as errors" ON)
+option(OLE_WERROR "Treat compiler warnings as errors" ${PROJECT_IS_TOP_LEVEL})
 set(OLE_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. \"address;undefined\"")
 
 option(OLE_BLOCKS_ALONE "Allocate every string and row on its own: for valgrind" OFF)
@@ -49,5 +49,6 @@ endif()
 find_program(OLE_CCACHE ccache)
 mark_as_advanced(OLE_CCACHE)
 if(OLE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${OLE_CCACHE}")
+  # No object tells in which build folder it was made, so that one folder's serve the others.
+  set(CMAKE_CXX_COMPILER_LAUNCHER env CCACHE_NOHASHDIR=1 "${OLE_CCACHE}")
 endif()

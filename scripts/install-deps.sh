@@ -2,8 +2,8 @@
 # Installs what the project needs from the system's own package archive (Debian, Ubuntu), and
 # nothing where everything is there. Asks no questions; uses sudo only where it is not root.
 #
-# usage: scripts/install-deps.sh [build] [test] [lint] [bench] [valgrind] [picture]
-#                                      default: all but valgrind and picture
+# usage: scripts/install-deps.sh [build] [test] [lint] [bench] [package] [valgrind] [picture]
+#                                                default: all but valgrind and picture
 set -euo pipefail
 
 # Each need: the package, and a command that succeeds where it is there already.
@@ -67,6 +67,18 @@ python3          test -x /usr/bin/python3
 END
 }
 
+# What installs the libraries, compares their interface and makes Debian packages of them.
+package_needs() {
+  cat <<'END'
+make            command -v make
+abigail-tools   command -v abidw
+xz-utils        command -v xz
+dpkg-dev        command -v dpkg-shlibdeps
+file            command -v file
+lintian         command -v lintian
+END
+}
+
 installed() {
   dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q '^install ok installed$'
 }
@@ -90,13 +102,13 @@ missing_packages() {
 }
 
 groups=("$@")
-[ ${#groups[@]} -gt 0 ] || groups=(build test lint bench)
+[ ${#groups[@]} -gt 0 ] || groups=(build test lint bench package)
 missing=()
 for group in "${groups[@]}"; do
   case $group in
-    build | test | lint | bench | valgrind | picture) mapfile -t -O "${#missing[@]}" missing < <("${group}_needs" | missing_packages) ;;
+    build | test | lint | bench | package | valgrind | picture) mapfile -t -O "${#missing[@]}" missing < <("${group}_needs" | missing_packages) ;;
     *)
-      echo "usage: scripts/install-deps.sh [build] [test] [lint] [bench] [valgrind] [picture]" >&2
+      echo "usage: scripts/install-deps.sh [build] [test] [lint] [bench] [package] [valgrind] [picture]" >&2
       exit 2
       ;;
   esac

@@ -33,7 +33,7 @@ for check in "${checks[@]}"; do
   case $check in
     format) cpp_sources | xargs -0 -r clang-format --dry-run -Werror --ferror-limit=5 ;;
     fix) cpp_sources | xargs -0 -r clang-format -i ;;
-    shell) shellcheck ./*.sh scripts/*.sh .ci/run ;;
+    shell) shellcheck ./*.sh scripts/*.sh tests/consumer/run.sh .ci/run ;;
     tidy) tidy ;;
     *) usage ;;
   esac

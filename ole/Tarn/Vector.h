@@ -10,9 +10,12 @@
 template <class T>
 class Vector {
 public:
+    /// Adds an element at the end.
     void append(T value) { items_.push_back(std::move(value)); }
+    /// The number of elements.
     [[nodiscard]] unsigned size() const noexcept { return static_cast<unsigned>(items_.size()); }
 
+    /// A copy of element i; past the end a default value, which is reported.
     [[nodiscard]] T operator[](unsigned i) const {
         if (i < items_.size()) {
             return items_[i];

@@ -169,12 +169,10 @@ void addDeletion() {
         }
     }
     add("delete10-views0", "sqlite", deleteSqlite);
-    add("delete10-by-view", "ours", [](benchmark::State& state, unsigned rows) {
-        deleteThroughView(state, rows, false);
-    });
-    add("delete10-by-sorted-view", "ours", [](benchmark::State& state, unsigned rows) {
-        deleteThroughView(state, rows, true);
-    });
+    add("delete10-by-view", "ours",
+        [](benchmark::State& state, unsigned rows) { deleteThroughView(state, rows, false); });
+    add("delete10-by-sorted-view", "ours",
+        [](benchmark::State& state, unsigned rows) { deleteThroughView(state, rows, true); });
     add("remove10", "ours", removeTagged);
     add("append", "ours", append);
     add("insert", "ours", insert);

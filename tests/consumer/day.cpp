@@ -39,7 +39,8 @@ bool load(const LightweightString<wchar_t>& path) {
     table.set_sortfields(keys);
     view->sort(1, 0);
     return holds(view->get_num_records() == 3, "not every row came back") &&
-           holds(std::string_view{view->get_field(0, "Name")} == "31A-1", "the view is not sorted") &&
+           holds(std::string_view{view->get_field(0, "Name")} == "31A-1",
+                 "the view is not sorted") &&
            holds(std::string_view{view->get_field(2, "Name")} == "31A-3", "the view is not sorted");
 }
 

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <new>
 #include <optional>
 #include <span>
 #include <utility>
@@ -149,14 +150,19 @@ public:
             return std::nullopt;
         }
         const std::span<const Entry> entries = view.index.entries();
-        return showsEachOnce(entries, table->get_num_records())
-                   ? std::optional{TaggedDeletion{view, entries, table->get_num_records()}}
-                   : std::nullopt;
+        const unsigned rows = table->get_num_records();
+        try {
+            return view.countTags() != 0 && showsEachOnce(entries, rows)
+                       ? std::optional{TaggedDeletion{view, entries, rows}}
+                       : std::nullopt;
+        } catch (const std::bad_alloc&) {
+            return std::nullopt; // step by step takes less memory
+        }
     }
 
     /// Returns how many entries were handled.
     int run() {
-        view_.index.watch();
+        looks_ = view_.index.watch();
         int handled = 0;
         for (std::size_t at = 0; at < entries_.size(); ++at, ++position_) {
             const auto end =
@@ -226,7 +232,7 @@ private:
     /// Whether this one deletion came and waits, and nobody has looked.
     [[nodiscard]] bool isPutOff(std::size_t known, std::uint32_t row, int run) const noexcept {
         const auto& pending = view_.index.pending();
-        return view_.table() && view_.index.isUnseen() && pending.size() == known + 1 &&
+        return view_.table() && view_.index.looks() == looks_ && pending.size() == known + 1 &&
                pending.back().first == static_cast<int>(row) && pending.back().n == run;
     }
 
@@ -234,6 +240,7 @@ private:
     std::vector<Entry> entries_; // as they were
     SinkingRows rows_;
     int position_ = 0; // of the entry looked at
+    unsigned looks_ = 0;
 };
 
 int ODBViewRep::deleteTagged() {

@@ -227,6 +227,9 @@ int ODBViewRep::displayRecordsAt(const std::vector<Cookie>& cookies, int at) {
 /// Displays rows as one call for each does, each behind the one before.
 int ODBViewRep::displayEachAt(std::vector<std::uint32_t> rows, int at) {
     followToTheEnd();
+    if (!source()) {
+        return 0;
+    }
     const auto room = static_cast<std::size_t>(INT_MAX - index.numIndex());
     rows.resize(std::min(rows.size(), room));
     const int shown = static_cast<int>(rows.size());

@@ -29,7 +29,8 @@ bool ViewIndex::putOff(const NotifyMsg& msg) {
 }
 
 void ViewIndex::settle() const noexcept {
-    waits_ = unseen_ = false;
+    waits_ = false;
+    ++looks_;
     if (putOff_.empty()) {
         return;
     }

@@ -32,7 +32,8 @@ public:
 
     void clear() noexcept {
         putOff_ = {};
-        waits_ = unseen_ = false;
+        waits_ = false;
+        ++looks_;
         storage_.clear();
     }
     /// Takes over a message of deleted rows, to be followed when somebody looks. False, and nothing
@@ -42,10 +43,13 @@ public:
     [[nodiscard]] const std::vector<DeletedRows::Run>& pending() const noexcept {
         return putOff_.runs();
     }
-    /// Tells from here on whether anybody looks.
-    void watch() noexcept { waits_ = unseen_ = true; }
-    /// Whether nobody has looked since `watch`.
-    [[nodiscard]] bool isUnseen() const noexcept { return unseen_; }
+    /// Has the next look noticed; the number of those that were.
+    unsigned watch() noexcept {
+        waits_ = true;
+        return looks_;
+    }
+    /// The same number: another one where somebody has looked since `watch`.
+    [[nodiscard]] unsigned looks() const noexcept { return looks_; }
 
 private:
     EntryStorage& settled() const noexcept {
@@ -59,5 +63,5 @@ private:
     mutable EntryStorage storage_;
     mutable DeletedRows putOff_;
     mutable bool waits_ = false; // something is put off, or who looks is to be noticed
-    mutable bool unseen_ = false;
+    mutable unsigned looks_ = 0;
 };

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -78,6 +79,33 @@ TEST(ViewDeletion, InOnePassAsStepByStep) {
         Pair pair{random};
         pair.play();
     });
+}
+
+/// While a view deletes the rows of its tagged entries, a listener has it do the same, and throws.
+TEST(ViewDeletion, OfTaggedRowsWithinItself) {
+    for (const bool looks : {false, true}) {
+        const auto table = numberedTable(8);
+        const ODBView view{table.get()};
+        for (const int row : {0, 7, 1, 6, 5}) {
+            view->append(row);
+        }
+        view->set_tag(0, 1);
+        view->set_tag(2, 1);
+        int calls = 0;
+        const auto listener = table->registerInterest(
+            [&](const NotifyMsg&) {
+                EXPECT_TRUE(!looks || view->count() > 0);
+                if (++calls == 2) {
+                    throw std::runtime_error{"listener"};
+                }
+                EXPECT_THROW(view->deleteTagged(), std::runtime_error);
+                return 0;
+            },
+            recordsDeletedType());
+        EXPECT_EQ(view->deleteTagged(), 1);
+        EXPECT_EQ(rowsOf(*table), (Rows{{"2"}, {"3"}, {"4"}, {"5"}, {"6"}, {"7"}}));
+        EXPECT_EQ(shownBy(view), "5 4 3");
+    }
 }
 
 } // namespace

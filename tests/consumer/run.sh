@@ -5,7 +5,7 @@
 #
 # usage: tests/consumer/run.sh [BUILD]     default: build/release, which must be built
 #
-# Works in build/consumer. Exit status 1 where something fails; the other checks still run.
+# Works in build/consumer and build/consumer-host. Exit status 1 where something fails; the other checks still run.
 # shellcheck disable=SC2317 # check calls them
 set -uo pipefail
 
@@ -56,9 +56,10 @@ pkg_config() {
     LD_LIBRARY_PATH=$folder/.. "$here/day" "$here/day.odb"
 }
 
-# The module is compiled as it was for build/release, so that ccache has its objects.
+# The module is compiled as it was for build/release, and from a folder beside it, so that ccache has
+# its objects.
 add_subdirectory() {
-  local here=$work/add_subdirectory
+  local here=$root/build/consumer-host
   cmake -S tests/consumer/add_subdirectory -B "$here" -G Ninja -DCMAKE_BUILD_TYPE=Release \
     -DOLE_DEBUG_INFO=ON -DOLE_WERROR=ON -DCMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache)" >/dev/null &&
     cmake --build "$here" && "$here/day" "$here/day.odb" &&

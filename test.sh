@@ -12,6 +12,7 @@ and runs all tests.
   --asan        build with AddressSanitizer and UndefinedBehaviorSanitizer
   --debug       build without optimisation, with checked standard containers
   --clang       build the libraries and their tests with Clang, without the tool
+  --libraries   leave out the tool and its tests
   --long        the long forms: a session of ten minutes, every point of failure,
                 600 kills; then every fuzzer for fifteen minutes (an hour and a half)
   --jobs N      run N jobs at a time (default: one for each processor)
@@ -27,10 +28,13 @@ END
 preset=release
 install=yes
 long=no
+tool=ON
 jobs=$(nproc)
 while [ $# -gt 0 ]; do
   case $1 in
-    --asan | --debug | --clang) preset=${1#--} ;;
+    --asan | --debug) preset=${1#--} ;;
+    --clang) preset=clang tool=OFF ;;
+    --libraries) tool=OFF ;;
     --jobs)
       [[ ${2-} =~ ^[1-9][0-9]*$ ]] || { echo "test.sh: --jobs takes a number" >&2; exit 2; }
       jobs=$2
@@ -55,7 +59,7 @@ if [ $install = yes ]; then
 fi
 
 echo "== Building into build/$preset"
-cmake --preset "$preset" </dev/null
+cmake --preset "$preset" -DOLE_BUILD_TOOLS=$tool </dev/null
 cmake --build --preset "$preset" --parallel "$jobs" </dev/null
 
 echo "== Testing"

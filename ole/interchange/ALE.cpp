@@ -11,6 +11,7 @@
 
 #include "ole/interchange/ALE.h"
 
+#include "misc/SystemWatchdog.h"
 #include "ole/interchange/AleColumns.h"
 #include "ole/interchange/KeyNumber.h"
 #include "ole/oledb/oledb.h"
@@ -38,6 +39,7 @@ constexpr std::string_view keyNumberColumn = "KN Start";
 constexpr std::string_view unknownKeyNumber = "??";
 constexpr const char* filmLabelField = "film label_std";
 constexpr std::size_t longestFilmFormat = 15;
+constexpr unsigned linesBetweenReports = 4096;
 
 enum class FilmFormat { None = 0, Film35 = 10, Film16 = 11, Film35ThreePerf = 12 };
 
@@ -145,6 +147,9 @@ public:
         findFilmLabel();
         recent_ = RecentValues{targets_.size()};
         for (auto i = static_cast<unsigned>(layout_.firstDataLine); i < file_.numLines(); ++i) {
+            if (i % linesBetweenReports == 0) {
+                SystemWatchdog::reportProgress(i, file_.numLines());
+            }
             addRow(i);
         }
         return table_.get_num_records() != 0;

@@ -9,6 +9,7 @@
 // their quotes are not doubled.
 
 #include "misc/diagnostics.h"
+#include "misc/SystemWatchdog.h"
 #include "ole/oledb/oledb.h"
 #include "ole/oledb/RecentValues.h"
 #include "ole/oledb/rowText.h"
@@ -32,6 +33,7 @@ constexpr auto lineEnds = TextFile::eEOLStyleCRLF;
 constexpr int headerError = 3;
 constexpr int typesLine = 3;
 constexpr int namesLine = 4;
+constexpr unsigned rowsBetweenReports = 4096;
 
 bool startsWithIgnoringCase(std::string_view text, std::string_view prefix) {
     return compareIgnoringCase(text, prefix, prefix.size()) == 0;
@@ -321,6 +323,9 @@ bool oledb::saveRows(bool namesOnly, bool taggedOnly) {
     save_column_header(file, namesOnly);
     Tarn::LineBuffer line;
     for (unsigned i = 0; i < rows_.count(); ++i) {
+        if (i % rowsBetweenReports == 0) {
+            SystemWatchdog::reportProgress(i, rows_.count());
+        }
         const dbrecord* const row = rows_.at(i);
         if (!taggedOnly || row->tag_ != 0) {
             row->writeLine(file, line);

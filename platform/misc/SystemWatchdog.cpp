@@ -1,5 +1,5 @@
-// The nesting of long operations. The state is made at first use and never destroyed: a long
-// operation may run while the program loads or ends.
+// The nesting of long operations, and their progress. The state is made at first use and never
+// destroyed: a long operation may run while the program loads or ends.
 
 #include "misc/SystemWatchdog.h"
 
@@ -10,36 +10,57 @@
 
 namespace {
 
-using Observer = std::function<void(int)>;
-
 constinit std::atomic<int> openBrackets{0};
 
-struct Watch {
-    std::mutex mutex;
-    std::shared_ptr<const Observer> observer;
+/// An observer that may be replaced while it runs, on any thread.
+template <class... Values>
+class Observed {
+public:
+    using Observer = std::function<void(Values...)>;
+
+    void observeBy(Observer observer) {
+        const bool any = static_cast<bool>(observer);
+        auto held = std::make_shared<const Observer>(std::move(observer));
+        const std::lock_guard lock{mutex_};
+        observer_.swap(held);
+        isObserved_.store(any, std::memory_order_relaxed);
+    }
+
+    /// Calls the observer outside the lock: it may open brackets or replace itself.
+    void tell(Values... values) {
+        if (!isObserved_.load(std::memory_order_relaxed)) {
+            return;
+        }
+        std::shared_ptr<const Observer> observer;
+        {
+            const std::lock_guard lock{mutex_};
+            observer = observer_;
+        }
+        if (observer && *observer) {
+            (*observer)(values...);
+        }
+    }
+
+private:
+    std::atomic<bool> isObserved_{false};
+    std::mutex mutex_;
+    std::shared_ptr<const Observer> observer_;
 };
 
-Watch& watch() {
-    static Watch& theOne = *new Watch;
+Observed<int>& depths() {
+    static auto& theOne = *new Observed<int>;
     return theOne;
 }
 
-/// Calls the observer outside the lock: it may open brackets or replace itself.
-void tell(int depth) {
-    std::shared_ptr<const Observer> observer;
-    {
-        const std::lock_guard lock{watch().mutex};
-        observer = watch().observer;
-    }
-    if (observer && *observer) {
-        (*observer)(depth);
-    }
+Observed<std::uint64_t, std::uint64_t>& progress() {
+    static auto& theOne = *new Observed<std::uint64_t, std::uint64_t>;
+    return theOne;
 }
 
 } // namespace
 
 void SystemWatchdog::beginLifeSupport() {
-    tell(++openBrackets);
+    depths().tell(++openBrackets);
 }
 
 void SystemWatchdog::endLifeSupport() {
@@ -47,7 +68,7 @@ void SystemWatchdog::endLifeSupport() {
     while (before > 0 && !openBrackets.compare_exchange_weak(before, before - 1)) {
     }
     if (before > 0) {
-        tell(before - 1);
+        depths().tell(before - 1);
     }
 }
 
@@ -56,7 +77,14 @@ int SystemWatchdog::depth() noexcept {
 }
 
 void SystemWatchdog::setObserver(std::function<void(int)> observer) {
-    auto held = std::make_shared<const Observer>(std::move(observer));
-    const std::lock_guard lock{watch().mutex};
-    watch().observer.swap(held);
+    depths().observeBy(std::move(observer));
+}
+
+void SystemWatchdog::reportProgress(std::uint64_t done, std::uint64_t total) {
+    progress().tell(done, total);
+}
+
+void SystemWatchdog::setProgressObserver(
+    std::function<void(std::uint64_t, std::uint64_t)> observer) {
+    progress().observeBy(std::move(observer));
 }

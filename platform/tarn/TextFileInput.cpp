@@ -1,7 +1,10 @@
 #include "tarn/TextFileInput.h"
 
+#include "misc/SystemWatchdog.h"
+
 #include <algorithm>
 #include <fcntl.h>
+#include <sys/stat.h>
 
 namespace Tarn {
 namespace {
@@ -11,11 +14,17 @@ namespace {
 constexpr std::size_t firstPiece = std::size_t{8} * 1024;
 constexpr std::size_t largestPiece = std::size_t{256} * 1024;
 
+std::uint64_t sizeOf(const FileDescriptor& file) {
+    struct stat status {};
+    const bool known = file.isOpen() && fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
+    return known ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
 } // namespace
 
 TextFileInput::TextFileInput(const char* path, char terminator)
     : file_{openFile(path, O_RDONLY)},
-      terminator_{terminator}, failed_{!file_.isOpen()}, ended_{failed_} {}
+      terminator_{terminator}, failed_{!file_.isOpen()}, ended_{failed_}, size_{sizeOf(file_)} {}
 
 /// Makes room for more than is there: twice as much where the last piece filled it, up to the
 /// largest piece, and for a line that is longer than that.
@@ -41,6 +50,10 @@ bool TextFileInput::readMore() {
     const auto got = readSome(file_.get(), bytes_.data() + to_, bytes_.size() - to_);
     to_ += got > 0 ? static_cast<std::size_t>(got) : 0;
     failed_ = got < 0;
+    read_ += got > 0 ? static_cast<std::uint64_t>(got) : 0;
+    if (size_ != 0 && read_ <= size_) { // beyond it the file is growing
+        SystemWatchdog::reportProgress(read_, size_);
+    }
     ended_ = got <= 0;
     return !ended_;
 }

@@ -92,6 +92,9 @@ def test_own_cookie(tmp_path):
         (["create", "new", "--name", "n", "rubbish"], '"rubbish" is no cookie'),
         (["create", "new"], "--name is required"),
         (["add", "c.sg"], "nothing to add"),
+        (["remove", "c.sg"], "nothing to remove"),
+        (["remove", "c.sg", "rubbish"], '"rubbish" is no cookie'),
+        (["remove", "c.sg", "--from", "c.sg", "--sort", "Scene"], 'no field "Scene"'),
         (["add", "c.sg", short(1)[:-1]], "is no cookie"),
         (["add", "c.sg", cookie(9), "--where", "Scene=1"], "--where requires --from"),
         (["add", "c.sg", "--from", "c.sg", "--sort", "Scene"], 'no field "Scene"'),
@@ -122,6 +125,28 @@ def test_add_keeps_what_was_there(container):
     inode = container.stat().st_ino
     assert "nothing was added" in expect(0, "container", "add", container, cookie(2))
     assert container.stat().st_ino == inode and leftovers(container.parent) == []
+
+
+def test_remove(container):
+    """Every row of an item goes, whatever attributes it has; what stays keeps its tag."""
+    rows = [[cookie(n % 4), str(n), str(n % 3)] for n in range(1, 12)]
+    container.write_bytes(container_text(rows, ["Cookie", "n", "Tag"]))
+    before = listing(container)
+    assert "1 item would be removed" in expect(0, "container", "remove", container, cookie(1), "--dry-run")
+    assert listing(container) == before
+    said = expect(1, "container", "remove", container, short(1), cookie(3), cookie(3), cookie(1, "B"))
+    assert "2 items removed, 5 in all" in said and f"1 item not in it: {cookie(1, 'B')}" in said
+    assert listing(container) == [item for item in before if item["Cookie"] in (cookie(0), cookie(2))]
+    # The items of a table's rows, and nothing where none is left to go.
+    table = write_table(container.parent / "t.odb", ["Name", "Cookie"], [["a", cookie(2)], ["b", cookie(3)]])
+    expect(0, "container", "remove", container, "--from", table, "--where", "Name=a")
+    said = expect(1, "container", "remove", container, "--from", table)
+    assert f"{cookie(2)} (a), {cookie(3)} (b)" in said and "nothing was removed" in said
+    assert {item["Cookie"] for item in listing(container)} == {cookie(0)}
+    expect(0, "container", "remove", container, cookie(0))
+    assert listing(container) == [] and info(container)["kind"] == "container"
+    expect(3, "container", "remove", container, "--from", write_table(container.parent / "u.odb", ["Cookie"], [[""]]))
+    assert leftovers(container.parent) == []
 
 
 def test_add_through_pipes(container):

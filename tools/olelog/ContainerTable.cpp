@@ -111,6 +111,10 @@ LoadedContainer loadContainer(const InputFile& file) {
     return container;
 }
 
+std::string shownName(const std::string& container) {
+    return container == "-" ? "standard output" : container;
+}
+
 void appendItem(oledb& table, unsigned cookieCol, const Cookie& cookie) {
     const auto row = static_cast<unsigned>(table.add_records(1));
     table.set_field(row, cookieCol, cookie.asString(true).c_str());

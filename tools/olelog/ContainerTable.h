@@ -21,6 +21,9 @@ struct LoadedContainer {
 /// Says on standard error what is wrong, with line numbers.
 LoadedContainer loadContainer(const InputFile& file);
 
+/// A container's name for messages.
+std::string shownName(const std::string& container);
+
 /// Adds an item behind the others, its cookie in the long form that containers hold.
 void appendItem(oledb& table, unsigned cookieCol, const Cookie& cookie);
 

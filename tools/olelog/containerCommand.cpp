@@ -31,7 +31,7 @@ void selectionNeeds(const CLI::App& command, const CLI::Option& from) {
     }
 }
 
-void addItemSource(CLI::App& command, ItemSource& items) {
+void addItemSource(CLI::App& command, ItemSource& items, const std::string& ofTable) {
     command
         .add_option(
             "COOKIE", items.cookies,
@@ -39,9 +39,7 @@ void addItemSource(CLI::App& command, ItemSource& items) {
             "without the letter of kind U, without flags all set")
         ->type_name("");
     CLI::Option* const from =
-        command
-            .add_option("--from", items.from,
-                        "Put in the cookies of a table's rows, all of them or a selection")
+        command.add_option("--from", items.from, ofTable + ", all of them or a selection")
             ->type_name("TABLE");
     addRowOptions(command, items.selection);
     command.parse_complete_callback([&command, from] { selectionNeeds(command, *from); });
@@ -55,7 +53,7 @@ void addCreate(CLI::App& container, Task& task) {
     const auto options = std::make_shared<ContainerCreation>();
     CLI::App* const command =
         addSubcommand(container, task, "create", "Make a container", options, createContainer);
-    addItemSource(*command, options->items);
+    addItemSource(*command, options->items, "Put in the cookies of a table's rows");
     command->add_option("--name", options->name, "The collection's name")
         ->required()
         ->type_name("NAME");
@@ -73,14 +71,25 @@ void addCreate(CLI::App& container, Task& task) {
 }
 
 void addAdd(CLI::App& container, Task& task) {
-    const auto options = std::make_shared<ContainerAddition>();
+    const auto options = std::make_shared<ContainerChange>();
     CLI::App* const command = addSubcommand(
         container, task, "add", "Add items to a container, given one by one or chosen from a table",
         options, addToContainer);
-    addItemSource(*command, options->items);
+    addItemSource(*command, options->items, "Put in the cookies of a table's rows");
     addDryRun(*command, options->dryRun);
     command->footer("Example:\n  olelog import day-12.ale -o day-12.odb --identify\n"
                     "  olelog container add selects.sg --from day-12.odb --where Scene=31A");
+}
+
+void addRemove(CLI::App& container, Task& task) {
+    const auto options = std::make_shared<ContainerChange>();
+    CLI::App* const command = addSubcommand(
+        container, task, "remove", "Remove items from a container", options, removeFromContainer);
+    addItemSource(*command, options->items, "Remove the items of a table's rows");
+    addDryRun(*command, options->dryRun);
+    command->footer(
+        "Example:\n"
+        "  olelog container remove selects.sg U-5f0c41d2-8a3e-4b57-9d26-1c7e90ab34f8-ff");
 }
 
 void addQuestions(CLI::App& container, Task& task) {
@@ -113,6 +122,7 @@ void addContainerCommand(CLI::App& app, Task& task) {
     container->require_subcommand(1);
     addCreate(*container, task);
     addAdd(*container, task);
+    addRemove(*container, task);
     addQuestions(*container, task);
     container->footer("Example:\n  olelog container list selects.sg");
 }

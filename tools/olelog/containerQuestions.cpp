@@ -62,7 +62,8 @@ void spellCookiesAlike(const OpenContainer& open) {
     }
 }
 
-void printItems(const OpenContainer& open, Output& out) {
+/// Prints the items; returns the titles of the columns that were left out for want of room.
+Texts printItems(const OpenContainer& open, Output& out) {
     std::vector<TableColumn> titles;
     for (unsigned col = 0; col < open.table().get_num_fields(); ++col) {
         titles.push_back({open.table().get_fieldname(col), col != open.container.cookieCol});
@@ -73,11 +74,7 @@ void printItems(const OpenContainer& open, Output& out) {
             rows[row].emplace_back(valueOf(open.table(), row, col));
         }
     }
-    const Texts leftOut = printTexts(out, titles, rows);
-    if (!leftOut.empty()) {
-        say("{}: {} not shown for want of room: {}", open.file->name(),
-            counted(leftOut.size(), "column"), listed(leftOut));
-    }
+    return printTexts(out, titles, rows);
 }
 
 // -- info
@@ -204,10 +201,15 @@ int listContainer(const ContainerQuestion& question) {
     }
     code = std::max(code, open.exitCode());
     spellCookiesAlike(open);
-    Output out;
+    Output out = question.json ? Output{} : Output::forReading();
     if (!question.json) {
-        printItems(open, out);
-        return out.finish(code);
+        const Texts leftOut = printItems(open, out);
+        code = out.finish(code);
+        if (!leftOut.empty()) {
+            note("{}: {} not shown for want of room: {}", open.file->name(),
+                 counted(leftOut.size(), "column"), listed(leftOut));
+        }
+        return code;
     }
     std::vector<unsigned> columns(open.table().get_num_fields());
     std::iota(columns.begin(), columns.end(), 0U);
@@ -223,7 +225,7 @@ int tellOfContainer(const ContainerQuestion& question) {
         return open.exitCode();
     }
     const ContainerFacts facts = factsOf(open, question.container);
-    Output out;
+    Output out = question.json ? Output{} : Output::forReading();
     int code = open.exitCode();
     if (!question.json) {
         printFacts(open, facts, out);

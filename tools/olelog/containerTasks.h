@@ -8,7 +8,7 @@
 
 // What a person asked of a container. Each task returns the tool's exit code.
 
-/// Items to put in: cookies one by one, and those of the chosen rows of a table.
+/// Items by their cookies, and those of the chosen rows of a table.
 struct ItemSource {
     std::vector<std::string> cookies;
     std::string from; ///< a table; "" for none
@@ -25,7 +25,8 @@ struct ContainerCreation {
     bool dryRun = false;
 };
 
-struct ContainerAddition {
+/// Items that are to go in, or out.
+struct ContainerChange {
     std::string container;
     ItemSource items;
     bool dryRun = false;
@@ -38,6 +39,7 @@ struct ContainerQuestion {
 };
 
 int createContainer(const ContainerCreation& wanted);
-int addToContainer(const ContainerAddition& asked);
+int addToContainer(const ContainerChange& asked);
+int removeFromContainer(const ContainerChange& asked);
 int listContainer(const ContainerQuestion& question);
 int tellOfContainer(const ContainerQuestion& question);

@@ -4,12 +4,16 @@ The environment variable OLELOG names the tool, OLE_REAL_LOGS a folder of real l
 """
 
 import csv
+import fcntl
 import io
 import json
 import os
+import pty
 import re
 import shutil
+import struct
 import subprocess
+import termios
 
 import pytest
 
@@ -37,9 +41,13 @@ Mdrive:text Tag:long film_label-std:text start_perf:text orig_soundfile:text
 STANDARD_NAMES = [name for name, _ in STANDARD]
 
 
+# What of a person's environment changes how the tool appears.
+SETTINGS = ("COLUMNS", "LINES", "NO_COLOR", "PAGER", "LESS")
+
+
 def run(*arguments, stdin=b"", env=None, cwd=None, **more):
     """Runs the tool to its end; texts come back as bytes."""
-    environment = {k: v for k, v in os.environ.items() if k not in ("COLUMNS", "NO_COLOR")}
+    environment = {k: v for k, v in os.environ.items() if k not in SETTINGS}
     environment.update(env or {})
     return subprocess.run(
         [TOOL, *map(os.fspath, arguments)],
@@ -57,6 +65,36 @@ def shell(command, **more):
     """Runs a line of bash; `olelog` is the tool."""
     script = f'olelog() {{ "{TOOL}" "$@"; }}; {command}'
     return subprocess.run(["bash", "-c", script], stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60, **more)
+
+
+def on_terminal(width, *arguments, env=None, height=24):
+    """Runs the tool on a terminal of its own; returns exit code and what the terminal got."""
+    try:
+        pid, terminal = pty.fork()
+    except OSError as error:  # a bare container may have none
+        pytest.skip(f"no terminal to try: {error}")
+    if pid == 0:
+        environment = {k: v for k, v in os.environ.items() if k not in SETTINGS}
+        os.read(0, 1)  # until the width is set
+        os.execve(TOOL, [TOOL, *map(os.fspath, arguments)], environment | {"TERM": "xterm"} | (env or {}))
+    fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", height, width, 0, 0))
+    settings = termios.tcgetattr(terminal)
+    settings[1] &= ~termios.OPOST
+    settings[3] &= ~termios.ECHO
+    termios.tcsetattr(terminal, termios.TCSANOW, settings)
+    os.write(terminal, b"\n")
+    got = b""
+    while True:
+        try:
+            piece = os.read(terminal, 65536)
+        except OSError:  # the terminal's other end is closed
+            break
+        if not piece:
+            break
+        got += piece
+    _, status = os.waitpid(pid, 0)
+    os.close(terminal)
+    return os.waitstatus_to_exitcode(status), got.decode()
 
 
 def messages(result):

@@ -53,6 +53,9 @@ def in_bash(folder, *words):
         (["show", "--limit", ""], [""]),
         (["show", "--sort", "S"], [""]),  # no table, no fields
         (["completion", ""], ["bash", "zsh"]),
+        (["check", "a.ale", "--ignore", "overlap,no-t"], ["overlap,no-timecode"]),
+        (["show", "--color", "a"], ["auto", "always"]),
+        (["help", "container", "re"], ["remove"]),
         (["nonsense", "--so"], [""]),
     ],
 )

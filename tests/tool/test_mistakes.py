@@ -1,7 +1,7 @@
 """Slips on the command line: the answer names the word, and what was probably meant."""
 
 import pytest
-from olelog import expect, run
+from olelog import expect, run, write_log
 
 
 @pytest.mark.parametrize(
@@ -10,7 +10,8 @@ from olelog import expect, run
         (["shwo", "a.odb"], 'there is no command "shwo"; did you mean show?'),
         (["a.odb"], 'there is no command "a.odb"; there are import, check, '),
         ([], "a command is needed: import, check, "),
-        (["container"], "a command is needed: create, add, list, info"),
+        (["container"], "a command is needed: create, add, remove, list, info"),
+        (["show", "a.odb", "--qiet"], "show has no option --qiet; did you mean --quiet?"),
         (["container", "lsit", "a.sg"], 'there is no command "lsit"; did you mean list?'),
         (["show", "a.odb", "--sortt", "Scene"], "show has no option --sortt; did you mean --sort?"),
         (["show", "a.odb", "--frmat=csv"], "show has no option --frmat; did you mean --format?"),
@@ -24,6 +25,24 @@ from olelog import expect, run
 def test_the_word_is_named(words, answer):
     said = expect(2, *words)
     assert answer in said and "--help" in said.splitlines()[-1]
+
+
+def test_the_file_that_was_meant_is_named(tmp_path):
+    (tmp_path / "day-12.odb").mkdir()
+    (tmp_path / "day-13.odb").write_bytes(b"")
+    said = expect(3, "show", "dya-13.odb", cwd=tmp_path)
+    assert said == "olelog: dya-13.odb: cannot be read: No such file or directory; did you mean day-13.odb?\n"
+    assert f"did you mean {tmp_path}/day-13.odb?" in expect(3, "info", tmp_path / "day.13.odb")
+    assert expect(3, "show", "nothing-like-it", cwd=tmp_path).endswith("directory\n")
+    assert "; there is no folder no/such" in expect(3, "import", "no/such/a.ale", "-o", "a.odb", cwd=tmp_path)
+
+
+def test_short_options_take_an_equals_sign(tmp_path):
+    log = write_log(tmp_path / "a.ale", ["Name"], [["a"]])
+    for words in (["-o=a.odb"], ["-oa.odb"], ["-o", "a.odb"], ["--output=a.odb"]):
+        expect(0, "import", log, *words, cwd=tmp_path)
+        assert sorted(path.name for path in tmp_path.iterdir()) == ["a.ale", "a.odb"]
+        (tmp_path / "a.odb").unlink()
 
 
 def test_help_comes_both_ways():

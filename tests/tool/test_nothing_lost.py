@@ -19,6 +19,14 @@ def shoot(tmp_path):
     return tmp_path
 
 
+def size_of(path):
+    """Of a temporary file, which may be gone at any time."""
+    try:
+        return path.stat().st_size
+    except FileNotFoundError:
+        return 0
+
+
 EDITS = [
     ["sort", "t.odb", "--by", "Scene", "--descending"],
     ["tag", "t.odb", "--all"],
@@ -44,7 +52,7 @@ def test_what_somebody_else_changed_meanwhile_stays(tmp_path, words, changed):
         fcntl.flock(held, fcntl.LOCK_EX)
         tool = subprocess.Popen([TOOL, *words], cwd=tmp_path, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         end = time.monotonic() + 30
-        while not any((tmp_path / name).stat().st_size for name in leftovers(tmp_path)):
+        while not any(size_of(tmp_path / name) for name in leftovers(tmp_path)):
             assert time.monotonic() < end and tool.poll() is None, tool.communicate()
             time.sleep(0.01)
         if changed == "replaced":

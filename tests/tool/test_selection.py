@@ -7,7 +7,6 @@ import re
 
 import pytest
 from olelog import csv_rows, expect, info, leftovers, messages, run, write_table
-from test_show import on_terminal
 
 COLUMNS = ["Name", "Scene", "Shot", "Start time", "End time", "Notes", "Tag", "a,b", "Odd=", "-C", "C"]
 TYPES = ["text", "text", "text", "timecode", "timecode", "text", "long", "text", "text", "text", "text"]
@@ -230,12 +229,6 @@ def test_save_refuses_what_would_not_come_back(tmp_path):
     expect(3, "save", table, "-o", tmp_path / "no" / "s.odb")
     expect(3, "save", tmp_path / "none.odb", "-o", tmp_path / "s.odb")
     expect(2, "save", table)
-
-
-def test_progress_on_a_terminal_only(table):
-    _, text = on_terminal(80, "show", table, "--sort", "Name", "--limit", "1", "--fields", "Name")
-    assert text.startswith("sorting ...\r\x1b[K") and text.endswith("r0\n")
-    assert run("show", table, "--sort", "Name").stderr == b""
 
 
 @pytest.mark.skipif(not os.environ.get("OLE_REAL_LOGS"), reason="OLE_REAL_LOGS names no folder of real logs")

@@ -1,46 +1,12 @@
 """Show and info: tables for people, CSV and JSON for programs."""
 
-import fcntl
 import json
 import os
-import pty
-import struct
 import subprocess
-import termios
 import unicodedata
 
 import pytest
-from olelog import TOOL, csv_rows, expect, info, messages, run, table_text, write_table
-
-
-def on_terminal(width, *arguments, env=None):
-    """Runs the tool on a terminal of its own; returns exit code and what the terminal got."""
-    try:
-        pid, terminal = pty.fork()
-    except OSError as error:  # a bare container may have none
-        pytest.skip(f"no terminal to try: {error}")
-    if pid == 0:
-        environment = {k: v for k, v in os.environ.items() if k not in ("COLUMNS", "NO_COLOR")}
-        os.read(0, 1)  # until the width is set
-        os.execve(TOOL, [TOOL, *map(os.fspath, arguments)], environment | {"TERM": "xterm"} | (env or {}))
-    fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 24, width, 0, 0))
-    settings = termios.tcgetattr(terminal)
-    settings[1] &= ~termios.OPOST
-    settings[3] &= ~termios.ECHO
-    termios.tcsetattr(terminal, termios.TCSANOW, settings)
-    os.write(terminal, b"\n")
-    got = b""
-    while True:
-        try:
-            piece = os.read(terminal, 65536)
-        except OSError:  # the terminal's other end is closed
-            break
-        if not piece:
-            break
-        got += piece
-    _, status = os.waitpid(pid, 0)
-    os.close(terminal)
-    return os.waitstatus_to_exitcode(status), got.decode()
+from olelog import TOOL, csv_rows, expect, info, messages, on_terminal, run, table_text, write_table
 
 
 def places(text):
@@ -95,14 +61,6 @@ def test_columns_variable_goes_before_the_terminal_and_width_before_both(takes):
     for env, options, width in [({"COLUMNS": "71"}, [], 71), ({"COLUMNS": "200"}, ["--width", "71"], 71), ({"COLUMNS": "x"}, [], 90)]:
         _, text = on_terminal(90, "show", takes, *options, env=env | {"NO_COLOR": "1"})
         assert max(map(places, text.split("\n"))) == width, (env, options)
-
-
-def test_titles_are_bold_on_a_terminal_only(takes):
-    _, text = on_terminal(200, "show", takes)
-    assert text.startswith("\x1b[1mName   ")
-    for env in ({"NO_COLOR": "1"}, {"TERM": "dumb"}):
-        assert "\x1b" not in on_terminal(200, "show", takes, env=env)[1]
-    assert b"\x1b" not in run("show", takes, env={"TERM": "xterm"}).stdout
 
 
 def test_wide_and_joined_signs_stand_in_line_and_are_cut_whole(tmp_path):

@@ -7,10 +7,12 @@
 #include "AlignedTable.h"
 
 #include "Output.h"
+#include "Progress.h"
 #include "shownText.h"
 #include "terminal.h"
 
 #include <algorithm>
+#include <fmt/color.h>
 #include <numeric>
 #include <utility>
 
@@ -24,9 +26,11 @@ constexpr std::size_t leastTitle = 8;
 
 AlignedTable::AlignedTable(const std::vector<TableColumn>& columns, std::size_t rows, Cell cell)
     : rows_{rows}, cell_{std::move(cell)} {
+    Progress progress{"laying out"};
     for (std::size_t col = 0; col < columns.size(); ++col) {
         std::size_t widest = 0;
         for (std::size_t row = 0; row < rows; ++row) {
+            progress.at(col * rows + row, columns.size() * rows);
             widest = std::max(widest, widthWhenShown(cell_(row, col)));
         }
         const TableColumn& column = columns[col];
@@ -99,16 +103,16 @@ void AlignedTable::appendCell(std::string& line, std::size_t col,
     }
 }
 
-void AlignedTable::printRow(Output& out, std::size_t row) const {
+std::string AlignedTable::lineOf(std::size_t row) const {
     std::string line;
     for (std::size_t col = 0; col < columns_.size(); ++col) {
         appendCell(line, col, shown(cell_(row, col)));
     }
     line.erase(line.find_last_not_of(' ') + 1);
-    out.write(line + '\n');
+    return line;
 }
 
-void AlignedTable::print(Output& out, bool boldTitles) const {
+void AlignedTable::print(Output& out, bool styled, const IsMarked& isMarked) const {
     std::string titles;
     std::string underline;
     for (std::size_t col = 0; col < columns_.size(); ++col) {
@@ -116,9 +120,14 @@ void AlignedTable::print(Output& out, bool boldTitles) const {
         underline +=
             (col == 0 ? "" : std::string(gap, ' ')) + std::string(columns_[col].width, '-');
     }
-    out.write((boldTitles ? "\x1b[1m" + titles + "\x1b[0m" : titles) + '\n' + underline + '\n');
+    const auto printLine = [&](const std::string& line, const fmt::text_style& style) {
+        out.write((styled ? fmt::format(style, "{}", line) : line) + '\n');
+    };
+    printLine(titles, fmt::emphasis::bold);
+    printLine(underline, fmt::emphasis::faint);
     for (std::size_t row = 0; row < rows_ && !out.isClosed(); ++row) {
-        printRow(out, row);
+        const bool stands = styled && isMarked && isMarked(row);
+        printLine(lineOf(row), stands ? fmt::fg(fmt::terminal_color::green) : fmt::text_style{});
     }
 }
 

@@ -27,8 +27,12 @@ public:
     /// Makes the table at most `width` places wide: long texts are cut first, then columns are left
     /// out from the right. Returns the titles of those left out.
     std::vector<std::string> fitInto(std::size_t width);
-    /// Prints titles, a line and the rows; titles bold where asked for.
-    void print(Output& out, bool boldTitles) const;
+    /// Tells whether a row is to stand out where colours may be used.
+    using IsMarked = std::function<bool(std::size_t row)>;
+
+    /// Prints titles, a line and the rows. Where it is styled the titles are bold, and marked rows
+    /// have a colour.
+    void print(Output& out, bool styled, const IsMarked& isMarked = {}) const;
 
 private:
     struct Column {
@@ -41,7 +45,7 @@ private:
 
     [[nodiscard]] std::size_t columnsThatFit(std::size_t width) const;
     void shareRoom(std::size_t width);
-    void printRow(Output& out, std::size_t row) const;
+    [[nodiscard]] std::string lineOf(std::size_t row) const;
     void appendCell(std::string& line, std::size_t col, std::string_view shownText) const;
 
     std::vector<Column> columns_;

@@ -4,12 +4,14 @@
 //   FIELD, FIELD[,FIELD...], A,B,-C   names of fields, of which the last after a comma is completed
 //   FIELD=PATTERN                     the name of a field and "="
 //   a|b|c                             one of these words
-//   N, TEXT, NAME, COOKIE, CODE, KEY=VALUE
+//   CODE                              one of the findings of "check"
+//   N, TEXT, NAME, COOKIE, KEY=VALUE
 //                                     nothing that could be known
 //   anything else                     a file
 
 #include "Completion.h"
 
+#include "check/FindingList.h"
 #include "files.h"
 #include "messages.h"
 #include "ole/oledb/oledb.h"
@@ -137,13 +139,26 @@ void offerChoices(Completion& completion, std::string_view choices, std::string_
     }
 }
 
+/// The last of a list of codes.
+void offerCodes(Completion& completion, std::string_view typed) {
+    const std::size_t begin = typed.rfind(',') + 1; // 0 where there is no comma
+    for (const FindingKind& kind : findingKinds()) {
+        if (beginsWith(kind.code, typed.substr(begin))) {
+            std::string word{typed.substr(0, begin)};
+            completion.candidates.push_back({word.append(kind.code), ""});
+        }
+    }
+}
+
 void offerValues(Completion& completion, const CLI::Option& option, const Place& place,
                  const std::string& typed) {
-    static constexpr std::array<std::string_view, 6> unknowable{"N",    "TEXT",   "NAME",
-                                                                "CODE", "COOKIE", "KEY=VALUE"};
+    static constexpr std::array<std::string_view, 5> unknowable{"N", "TEXT", "NAME", "COOKIE",
+                                                                "KEY=VALUE"};
     const std::string type = option.get_type_name();
     if (type.find('|') != std::string::npos) {
         offerChoices(completion, type, typed);
+    } else if (type == "CODE") {
+        offerCodes(completion, typed);
     } else if (type == "FIELD=PATTERN") {
         if (typed.find('=') == std::string::npos) {
             offerFields(completion, place.file, typed, false, "=");
@@ -183,8 +198,11 @@ bool takesPositional(const CLI::App& command) {
 
 } // namespace
 
-Completion complete(CLI::App& app, const std::vector<std::string>& words) {
+Completion complete(CLI::App& app, std::vector<std::string> words) {
     Completion completion;
+    if (words.size() > 1 && words.front() == "help") {
+        words.erase(words.begin());
+    }
     const std::string typed = words.empty() ? "" : words.back();
     const Place place = placeOfLast(app, words);
     const std::size_t equals = isOption(typed) ? typed.find('=') : std::string::npos;

@@ -20,4 +20,4 @@ struct Completion {
 
 /// Completes the last of the words behind the program's name; it may be empty. Commands and options
 /// come from the command line's own definition, names of fields from the first file that was named.
-Completion complete(CLI::App& app, const std::vector<std::string>& words);
+Completion complete(CLI::App& app, std::vector<std::string> words);

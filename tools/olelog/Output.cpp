@@ -6,7 +6,9 @@
 #include "Command.h"
 #include "files.h"
 #include "messages.h"
+#include "terminal.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -39,14 +41,41 @@ Output::Output(int file, std::string name) : file_{file}, name_{std::move(name)}
     gathered_.reserve(pieceBytes);
 }
 
+Output Output::forReading() {
+    Output output;
+    output.linesLeft_ = linesBeforePaging();
+    return output;
+}
+
 void Output::write(std::string_view text) {
     gathered_ += text;
-    if (gathered_.size() >= pieceBytes) {
-        flush();
+    if (linesLeft_) {
+        startPagerWhereLong(text);
+    }
+    if (!linesLeft_ && gathered_.size() >= pieceBytes) {
+        writeOut();
     }
 }
 
+/// The last line of the screen is the prompt's.
+void Output::startPagerWhereLong(std::string_view added) {
+    const auto lines = static_cast<std::size_t>(std::count(added.begin(), added.end(), '\n'));
+    if (lines < *linesLeft_) {
+        *linesLeft_ -= lines;
+        return;
+    }
+    linesLeft_.reset();
+    pager_ = Pager::start();
+    file_ = pager_ ? pager_->file() : file_;
+}
+
 void Output::flush() {
+    if (!linesLeft_) {
+        writeOut();
+    }
+}
+
+void Output::writeOut() {
     if (error_ == 0) {
         error_ = writeAll(file_, gathered_);
     }
@@ -54,12 +83,15 @@ void Output::flush() {
 }
 
 int Output::end() {
-    flush();
+    writeOut();
     return error_;
 }
 
 int Output::finish(int code) {
     const int error = end();
+    if (pager_ && !pager_->wait()) {
+        return exitFailure;
+    }
     if (error == 0 || error == EPIPE) {
         return code;
     }

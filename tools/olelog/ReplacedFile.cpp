@@ -77,9 +77,9 @@ bool ReplacedFile::standsInTheWay(bool inPlace) const {
 
 void ReplacedFile::tell() const {
     if (kind_ == Kind::Table || kind_ == Kind::Container) {
-        say("replaced {}, which held {}", target_,
-            counted(rows_, kind_ == Kind::Container ? "item" : "row"));
+        note("replaced {}, which held {}", target_,
+             counted(rows_, kind_ == Kind::Container ? "item" : "row"));
     } else if (kind_ == Kind::Foreign) {
-        say("replaced {}", target_);
+        note("replaced {}", target_);
     }
 }

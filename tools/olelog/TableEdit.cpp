@@ -38,11 +38,7 @@ bool leavesFileAlone(const EditOptions& options, const EditOutcome& outcome) {
 }
 
 int save(oledb& table, const EditOptions& options, const SaveTarget& place) {
-    showProgress(fmt::format("writing {} ...", place.name()));
-    const int code =
-        saveChecked(table, place, {}, {.strict = options.strict, .dryRun = options.dryRun});
-    clearProgress();
-    return code;
+    return saveChecked(table, place, {}, {.strict = options.strict, .dryRun = options.dryRun});
 }
 
 int finish(oledb& table, const EditOptions& options, const SaveTarget& place,
@@ -55,8 +51,10 @@ int finish(oledb& table, const EditOptions& options, const SaveTarget& place,
     if (!outcome.summary.empty()) {
         const bool said = options.dryRun && !alone;
         const bool elsewhere = !options.dryRun && !isOverInput(options) && options.output != "-";
-        say("{}: {}{}{}", nameOf(targetOf(options)), elsewhere ? "written; " : "", outcome.summary,
-            said ? "; nothing was written (--dry-run)" : "");
+        const std::string text =
+            fmt::format("{}: {}{}{}", nameOf(targetOf(options)), elsewhere ? "written; " : "",
+                        outcome.summary, said ? "; nothing was written (--dry-run)" : "");
+        options.dryRun ? sayLine(text) : noteLine(text); // what a trial would do was asked for
     }
     return outcome.code == exitFine ? code : outcome.code;
 }

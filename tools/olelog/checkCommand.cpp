@@ -15,11 +15,13 @@
 #include "Output.h"
 #include "SaveTarget.h"
 #include "shownText.h"
+#include "terminal.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <fmt/color.h>
 #include <fmt/format.h>
 #include <functional>
 #include <memory>
@@ -99,15 +101,43 @@ bool usageMakesSense(const CheckOptions& options) {
 
 // -- the report
 
-std::string lineOf(const LogVerdict& log, const Finding& finding) {
-    return fmt::format("{}:{}: {}{} [{}]", log.name, finding.lines.front(), finding.message,
-                       andOtherLines({finding.lines.begin() + 1, finding.lines.end()}),
-                       finding.kind.code);
+/// A line of the report: "day.ale:12: End is before Start [end-before-start]".
+struct ReportLine {
+    std::string place; ///< file and line
+    std::string text;
+    std::string code;
+    fmt::text_style style; ///< of the code, where colours may be used
+
+    [[nodiscard]] std::string plain() const {
+        return fmt::format("{}: {} [{}]", place, text, code);
+    }
+    [[nodiscard]] std::string styled() const {
+        return fmt::format("{} {} {}", fmt::format(fmt::emphasis::bold, "{}:", shown(place)),
+                           shown(text), fmt::format(style, "[{}]", code));
+    }
+};
+
+fmt::text_style styleOf(Severity severity) {
+    switch (severity) {
+    case Severity::Refused:
+    case Severity::Lost:
+        return fmt::emphasis::bold | fmt::fg(fmt::terminal_color::red);
+    case Severity::Changed:
+        return fmt::fg(fmt::terminal_color::yellow);
+    default:
+        return fmt::fg(fmt::terminal_color::cyan);
+    }
 }
 
-std::string lineOf(const LogVerdict& log, const MendedLog::Change& change) {
-    return fmt::format("{}:{}: mended: {} [{}]", log.name, change.line, change.what,
-                       change.kind.code);
+ReportLine lineOf(const LogVerdict& log, const Finding& finding) {
+    return {fmt::format("{}:{}", log.name, finding.lines.front()),
+            finding.message + andOtherLines({finding.lines.begin() + 1, finding.lines.end()}),
+            std::string{finding.kind.code}, styleOf(finding.kind.severity)};
+}
+
+ReportLine lineOf(const LogVerdict& log, const MendedLog::Change& change) {
+    return {fmt::format("{}:{}", log.name, change.line), "mended: " + change.what,
+            std::string{change.kind.code}, fmt::fg(fmt::terminal_color::green)};
 }
 
 Json jsonOf(const LogVerdict& log, const Finding& finding) {
@@ -211,8 +241,9 @@ private:
         for (const Finding& finding : log->findings.all()) {
             tell(lineOf(*log, finding), findings_, jsonOf(*log, finding));
         }
-        say("{}: {}; {}", log->name, log->taken ? counted(log->rows, "row") : "cannot be taken",
-            figuresOf(*log));
+        out_.flush();
+        note("{}: {}; {}", log->name, log->taken ? counted(log->rows, "row") : "cannot be taken",
+             figuresOf(*log));
         if (options_.fixed.empty()) {
             tellMendable(*log);
         }
@@ -220,13 +251,13 @@ private:
         return !written ? exitFailure : log->findings.all().empty() ? exitFine : exitFindings;
     }
 
-    void tell(const std::string& line, Json& list, Json entry) {
+    void tell(const ReportLine& line, Json& list, Json entry) {
         if (options_.json) {
             list.push_back(std::move(entry));
         } else if (options_.fixed == "-") {
-            sayLine(line);
+            sayLine(line.plain());
         } else {
-            out_.write(shown(line) + "\n");
+            out_.write((mayStyleOutput() ? line.styled() : shown(line.plain())) + "\n");
         }
     }
 
@@ -261,7 +292,7 @@ private:
         const Copy copy = copyOf(log.mended);
         const std::size_t mended = copy.refusal.empty() ? countMended(log, copy.left) : 0;
         if (mended != 0) {
-            say("{}: --fix OUT mends {} of these", log.name, mended);
+            note("{}: --fix OUT mends {} of these", log.name, mended);
         }
     }
 
@@ -276,8 +307,8 @@ private:
                 "the guess",
                 targetName());
         }
-        say("{} can be imported{}; {}", targetName(), losesNothing(left) ? "" : ", but not whole",
-            describeLeft(left));
+        note("{} can be imported{}; {}", targetName(), losesNothing(left) ? "" : ", but not whole",
+             describeLeft(left));
     }
 
     bool write(const LogVerdict& log) {
@@ -293,9 +324,10 @@ private:
         for (const MendedLog::Change& change : log.mended.changes) {
             tell(lineOf(log, change), changes_, jsonOf(log, change));
         }
-        say("{}: {}", targetName(),
-            log.mended.changes.empty() ? "a copy without a change"
-                                       : counted(log.mended.changes.size(), "change"));
+        out_.flush();
+        note("{}: {}", targetName(),
+             log.mended.changes.empty() ? "a copy without a change"
+                                        : counted(log.mended.changes.size(), "change"));
         tellLeft(log, copy.left);
         return true;
     }

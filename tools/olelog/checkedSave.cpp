@@ -6,6 +6,7 @@
 #include "files.h"
 #include "messages.h"
 #include "ole/oledb/oledb.h"
+#include "Progress.h"
 #include "SaveTarget.h"
 #include "shownText.h"
 #include "tableFile.h"
@@ -111,9 +112,12 @@ int saveChecked(oledb& table, const SaveTarget& place, const RowOrigins& origins
     if (const int error = place.whyNotWritable()) {
         return cannotWrite(target, error);
     }
+    const std::string shownName = target == "-" ? "standard output" : target;
+    Progress progress{"writing " + shownName};
+    progress.unmeasured(table.get_num_records());
     const bool tagsKept = takeTagsFromColumn(table, origins);
     if (tellUnsavableRows(table, origins)) {
-        say("{}: not written", target == "-" ? "standard output" : target);
+        say("{}: not written", shownName);
         return exitFailure;
     }
     auto written = rules.dryRun ? TemporaryFile::anywhere() : place.makeSibling();
@@ -124,12 +128,14 @@ int saveChecked(oledb& table, const SaveTarget& place, const RowOrigins& origins
     if (const int error = writeTable(table, written->path())) {
         return cannotWrite(target, error);
     }
+    progress.nowDoing("reading it back");
     const std::unique_ptr<oledb> loaded = loadTableQuietly(written->path());
+    progress.nowDoing("comparing");
     if (const std::string why = whyNotTheSame(table, *loaded); !why.empty()) {
         say("{}: not written, for the table would not come back whole: {}", target, why);
         return exitFailure;
     }
-    const bool changed = tellChanges(table, *loaded, origins);
+    const bool changed = tellChanges(table, *loaded, origins, progress);
     return finish(place, *written, tagsKept && !changed, rules);
 }
 

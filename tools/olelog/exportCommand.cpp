@@ -93,8 +93,8 @@ bool takeStoredFields(oledb& table, const ExportOptions& options, Selection& sel
         return false;
     }
     if (*stored != selection.columns) {
-        say("{}: {} of {}, as the table's field map has them; --all-fields exports all",
-            options.file, stored->size(), counted(table.get_num_fields(), "field"));
+        note("{}: {} of {}, as the table's field map has them; --all-fields exports all",
+             options.file, stored->size(), counted(table.get_num_fields(), "field"));
     }
     selection.columns = *stored;
     return true;
@@ -183,8 +183,8 @@ private:
 
     void tellGuarded(std::size_t cells) {
         if (cells != 0) {
-            say("{} an apostrophe, as --guard-formulas asks",
-                counted(cells, "cell got", "cells got"));
+            note("{} an apostrophe, as --guard-formulas asks",
+                 counted(cells, "cell got", "cells got"));
         }
     }
 

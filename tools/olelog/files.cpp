@@ -3,14 +3,18 @@
 #include "files.h"
 
 #include "messages.h"
+#include "nearest.h"
+#include "shownText.h"
 #include "tarn/StringFunctions.h"
 
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -41,6 +45,29 @@ int whyUnreadable(int file, struct stat& status) {
         return errno;
     }
     return S_ISDIR(status.st_mode) ? EISDIR : 0;
+}
+
+/// What helps a person who named a file that there is not: the folder that is missing, or the file
+/// that was probably meant.
+std::string hintForMissing(const std::string& name) {
+    const std::filesystem::path path{name};
+    const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
+    std::error_code failed;
+    if (!std::filesystem::is_directory(folder, failed)) {
+        return fmt::format("; there is no folder {}", folder.string());
+    }
+    std::vector<std::string> names;
+    for (std::filesystem::directory_iterator entry{folder, failed}, end; !failed && entry != end;
+         entry.increment(failed)) {
+        if (entry->is_regular_file(failed)) {
+            names.push_back(entry->path().filename().string());
+        }
+    }
+    const std::string nearest = nearestOf(path.filename().string(), names);
+    return nearest.empty()
+               ? ""
+               : fmt::format("; did you mean {}?",
+                             shown(path.has_parent_path() ? (folder / nearest).string() : nearest));
 }
 
 } // namespace
@@ -99,7 +126,8 @@ std::optional<InputFile> InputFile::open(const std::string& name) {
     const OpenFile file{name};
     struct stat status {};
     if (const int error = whyUnreadable(file.number(), status)) {
-        say("{}: cannot be read: {}", input.name_, reasonText(error));
+        say("{}: cannot be read: {}{}", input.name_, reasonText(error),
+            error == ENOENT ? hintForMissing(name) : "");
         return std::nullopt;
     }
     const bool readAgain = S_ISREG(status.st_mode) && name != "-";

@@ -121,7 +121,7 @@ int runInfo(const InfoOptions& options) {
     }
     oledb& table = *loaded.table;
     const std::vector<ColumnFacts> columns = columnFacts(table);
-    Output out;
+    Output out = options.json ? Output{} : Output::forReading();
     int code = loaded.whole ? exitFine : exitFindings;
     if (options.json) {
         out.write(asJson(table, columns));

@@ -3,12 +3,14 @@
 // Data goes to standard output, messages to standard error. Every way out gives one of the exit
 // codes of Command.h.
 
+#include "appearanceOptions.h"
 #include "Command.h"
 #include "commandLineMistakes.h"
 #include "messages.h"
 #include "ole/ole.h"
 #include "Output.h"
 #include "TemporaryFile.h"
+#include "terminal.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>
@@ -51,11 +53,29 @@ int endEarly(const CLI::App& app, const CLI::ParseError& reason) {
 }
 
 /// `olelog help COMMAND` is `olelog COMMAND --help`.
-std::vector<std::string> withoutHelpWord(std::vector<std::string> words) {
+void replaceHelpWord(std::vector<std::string>& words) {
     if (!words.empty() && words.front() == "help") {
         words.erase(words.begin());
         words.emplace_back("--help");
     }
+}
+
+/// `-o=day.odb` is `-o day.odb`: nobody means a file whose name begins with "=".
+void partShortOptions(std::vector<std::string>& words) {
+    const auto end = std::find(words.begin(), words.end(), "--");
+    std::for_each(words.begin(), end, [](std::string& word) {
+        if (word.size() > 3 && word[0] == '-' && word[1] != '-' && word[2] == '=') {
+            word.erase(2, 1);
+        }
+    });
+}
+
+/// The words behind the program's name, last first, as the parser wants them.
+std::vector<std::string> wordsOf(int argc, char** argv) {
+    std::vector<std::string> words{argv + std::min(argc, 1), argv + argc};
+    replaceHelpWord(words);
+    partShortOptions(words);
+    std::reverse(words.begin(), words.end());
     return words;
 }
 
@@ -78,15 +98,16 @@ int run(int argc, char** argv) {
     addDedupeCommand(app, task);
     addMergeCommand(app, task);
     addIdentifyCommand(app, task);
-    addCompletionCommand(app, task);
     addContainerCommand(app, task);
+    Appearance appearance;
+    addAppearanceOptions(app, appearance);
+    addCompletionCommand(app, task);
     try {
-        std::vector<std::string> words = withoutHelpWord({argv + std::min(argc, 1), argv + argc});
-        std::reverse(words.begin(), words.end()); // as the parser wants them
-        app.parse(std::move(words));
+        app.parse(wordsOf(argc, argv));
     } catch (const CLI::ParseError& reason) {
         return endEarly(app, reason);
     }
+    setAppearance(appearance);
     return task();
 }
 

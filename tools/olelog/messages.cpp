@@ -5,10 +5,11 @@
 #include "misc/diagnostics.h"
 #include "shownText.h"
 #include "tarn/trimmed.h"
+#include "terminal.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <unistd.h>
+#include <fmt/color.h>
 #include <utility>
 
 namespace {
@@ -19,7 +20,6 @@ void setModuleSinks(const Tarn::MessageSink& sink) {
     Tarn::setOutputSink(sink);
 }
 
-constexpr std::size_t progressWidth = 72;
 constexpr std::size_t mostFindingsTold = 20;
 
 /// Whether a line of progress stands on the terminal.
@@ -33,21 +33,32 @@ bool needsQuotes(std::string_view name) {
            name.front() == ' ' || name.back() == ' ';
 }
 
-} // namespace
-
-void sayLine(std::string_view text) {
+/// Prints a message, the tool's name in the given style.
+void printLine(std::string_view text, const fmt::text_style& style) {
     clearProgress();
-    const std::string line = "olelog: " + shown(text) + "\n";
+    constexpr std::string_view name = "olelog:";
+    const std::string line = fmt::format(
+        "{} {}\n", mayStyleMessages() ? fmt::format(style, "{}", name) : std::string{name},
+        shown(text));
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
-void showProgress(std::string_view doing) {
-    if (isatty(STDERR_FILENO) != 0) {
-        clearProgress();
-        const std::string line = cutToWidth(shown(doing), progressWidth);
-        std::fwrite(line.data(), 1, line.size(), stderr);
-        progressStands() = true;
+} // namespace
+
+void sayLine(std::string_view text) {
+    printLine(text, fmt::emphasis::bold | fmt::fg(fmt::terminal_color::yellow));
+}
+
+void noteLine(std::string_view text) {
+    if (!isQuiet()) {
+        printLine(text, fmt::emphasis::faint);
     }
+}
+
+void showProgress(std::string_view line) {
+    clearProgress();
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    progressStands() = true;
 }
 
 void clearProgress() {

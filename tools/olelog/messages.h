@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-/// Prints one line on standard error, the tool's name before it. Anything that could disturb a
-/// terminal is spelled out.
+/// Prints one line on standard error, the tool's name before it: what is wrong, or what a person
+/// should look at. Anything that could disturb a terminal is spelled out.
 void sayLine(std::string_view text);
 
 template <class... Values>
@@ -14,9 +14,17 @@ void say(fmt::format_string<Values...> format, Values&&... values) {
     sayLine(fmt::format(format, std::forward<Values>(values)...));
 }
 
-/// Tells on a terminal what is being done, until the next message or `clearProgress`. Elsewhere
-/// nothing.
-void showProgress(std::string_view doing);
+/// The same for what was done as it was asked for; nothing where the tool is to be quiet.
+void noteLine(std::string_view text);
+
+template <class... Values>
+void note(fmt::format_string<Values...> format, Values&&... values) {
+    noteLine(fmt::format(format, std::forward<Values>(values)...));
+}
+
+/// Shows a line on the terminal of the messages in place of the one before, until the next message
+/// or `clearProgress`. The caller asks whether there is a terminal.
+void showProgress(std::string_view line);
 void clearProgress();
 
 /// From now on what the module prints goes to standard error, as lines of the tool. It would

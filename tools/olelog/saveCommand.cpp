@@ -83,10 +83,7 @@ int saveSelection(oledb& source, const Selection& selection, const SaveTarget& p
                   const SaveOptions& options) {
     const std::unique_ptr<oledb> table = makeTable(source, selection.columns);
     copyRows(selection, *table);
-    showProgress(fmt::format("writing {} ...", options.output));
-    const int code = saveChecked(*table, place, {}, {.strict = options.strict});
-    clearProgress();
-    return code;
+    return saveChecked(*table, place, {}, {.strict = options.strict});
 }
 
 int runSave(const SaveOptions& options) {

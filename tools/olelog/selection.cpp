@@ -10,7 +10,7 @@
 #include "messages.h"
 #include "ole/oledb/dbrecord.h"
 #include "ole/oledb/oledb.h"
-#include "ProgressNote.h"
+#include "Progress.h"
 #include "shownText.h"
 #include "tableValues.h"
 #include "tarn/Cookie.h"
@@ -215,7 +215,8 @@ ODBView matchesOf(oledb& table, ODBViewRep& view, const Condition& condition) {
 /// Sorts by one key after the other, the last first: every key counts then, while the module's
 /// order of several keys ends at a timecode and where both values are empty.
 void sortBy(oledb& table, ODBViewRep& view, const std::vector<unsigned>& keys, bool descending) {
-    const ProgressNote note{"sorting ..."};
+    Progress progress{"sorting"};
+    progress.unmeasured(view.get_num_records());
     for (std::size_t left = keys.size(); left > 0; --left) {
         table.set_sortfield(static_cast<int>(keys[left - 1]));
         view.sort(descending ? -1 : 1, 0);

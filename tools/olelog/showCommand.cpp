@@ -9,6 +9,7 @@
 #include "selection.h"
 #include "tableFile.h"
 #include "tableValues.h"
+#include "tarn/numbers.h"
 #include "tarn/StringFunctions.h"
 #include "terminal.h"
 
@@ -86,7 +87,11 @@ std::string printAligned(const Selection& selection, const ShowOptions& options,
                          }};
     const auto width = widthToUse(options);
     const auto leftOut = width ? aligned.fitInto(*width) : std::vector<std::string>{};
-    aligned.print(out, mayStyleOutput());
+    const int tag = table.get_fieldnum("Tag");
+    aligned.print(out, mayStyleOutput(), [&](std::size_t row) {
+        const char* const number = table.get_field(static_cast<unsigned>(row), tag);
+        return tag >= 0 && Tarn::parseInt(number) != 0;
+    });
     return leftOut.empty() ? ""
                            : fmt::format("{} not shown for want of room: {}",
                                          counted(leftOut.size(), "column"), listed(leftOut));
@@ -121,7 +126,7 @@ int runShow(const ShowOptions& options) {
         return exitUsage;
     }
     const bool nothingFound = selection->foundNothing();
-    Output out;
+    Output out = options.format == "table" ? Output::forReading() : Output{};
     std::string remark;
     if (!nothingFound || options.format != "table") {
         remark = print(*selection, options, out);
@@ -129,8 +134,10 @@ int runShow(const ShowOptions& options) {
     const bool altered = options.format == "json" && !remark.empty();
     const bool fine = loaded.whole && !altered && !nothingFound;
     const int code = out.finish(fine ? exitFine : exitFindings);
-    if (nothingFound || !remark.empty()) {
+    if (nothingFound || altered) {
         say("{}: {}", file->name(), nothingFound ? "no row is selected" : remark);
+    } else if (!remark.empty()) {
+        note("{}: {}", file->name(), remark);
     }
     return code;
 }

@@ -4,7 +4,7 @@
 #include "fieldNames.h"
 #include "messages.h"
 #include "ole/oledb/oledb.h"
-#include "ProgressNote.h"
+#include "Progress.h"
 #include "TableEdit.h"
 
 #include <CLI/CLI.hpp>
@@ -30,7 +30,8 @@ std::vector<const dbrecord*> rowsOf(const oledb& table) {
 
 /// By the last key first: the order of equal rows stays, so that every key counts.
 void sortBy(oledb& table, const std::vector<unsigned>& keys, bool descending) {
-    const ProgressNote note{"sorting ..."};
+    Progress progress{"sorting"};
+    progress.unmeasured(table.get_num_records());
     for (std::size_t left = keys.size(); left > 0; --left) {
         table.set_sortfield(static_cast<int>(keys[left - 1]));
         table.sort(descending ? -1 : 1, 0);

@@ -6,6 +6,7 @@
 
 #include "messages.h"
 #include "ole/oledb/dbrecord.h"
+#include "Progress.h"
 #include "shownText.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
@@ -288,6 +289,7 @@ std::unique_ptr<oledb> loadTableQuietly(const std::string& path) {
 }
 
 LoadedTable loadTable(const InputFile& file) {
+    const Progress progress{"reading " + file.name()};
     LoadedTable loaded{loadTableQuietly(file.path()), true};
     const TableFileLines lines{file};
     oledb& table = *loaded.table;

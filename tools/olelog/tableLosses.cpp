@@ -6,6 +6,7 @@
 #include "messages.h"
 #include "ole/oledb/dbrecord.h"
 #include "ole/oledb/oledb.h"
+#include "Progress.h"
 #include "shownText.h"
 #include "tableValues.h"
 #include "tarn/trimmed.h"
@@ -114,8 +115,9 @@ void forChangedParameters(const oledb& saved, const oledb& loaded, const Paramet
 namespace {
 
 void tellChangedValues(oledb& saved, const oledb& loaded, const RowOrigins& origins,
-                       Findings& findings) {
+                       Progress& progress, Findings& findings) {
     for (unsigned row = 0; row < saved.get_num_records(); ++row) {
+        progress.at(row, saved.get_num_records());
         for (unsigned col = 0; col < saved.get_num_fields(); ++col) {
             const std::string_view before = valueOf(saved, row, col);
             const std::string_view after = valueOf(loaded, row, col);
@@ -164,11 +166,11 @@ std::string whyNotTheSame(oledb& saved, oledb& loaded) {
     return {};
 }
 
-bool tellChanges(oledb& saved, oledb& loaded, const RowOrigins& origins) {
+bool tellChanges(oledb& saved, oledb& loaded, const RowOrigins& origins, Progress& progress) {
     Findings findings;
     forChangedParameters(saved, loaded,
                          [&](const ChangedParameter& change) { findings.tell(change.what); });
-    tellChangedValues(saved, loaded, origins, findings);
+    tellChangedValues(saved, loaded, origins, progress, findings);
     findings.close();
     return findings.any();
 }

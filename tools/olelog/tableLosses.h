@@ -7,6 +7,7 @@
 #include <string_view>
 
 class oledb;
+class Progress;
 
 /// Why a row cannot be kept in a table file; empty where it can.
 std::string whyUnsavable(oledb& table, unsigned number);
@@ -33,4 +34,4 @@ bool tellUnsavableRows(oledb& table, const RowOrigins& origins);
 std::string whyNotTheSame(oledb& saved, oledb& loaded);
 
 /// Says which parameters and values came back changed; returns whether there are any.
-bool tellChanges(oledb& saved, oledb& loaded, const RowOrigins& origins);
+bool tellChanges(oledb& saved, oledb& loaded, const RowOrigins& origins, Progress& progress);

@@ -3,6 +3,7 @@
 #include "check/CheckedLog.h"
 
 #include "checkedSave.h"
+#include "Progress.h"
 #include "standardFields.h"
 #include "tableFile.h"
 #include "tableLosses.h"
@@ -13,7 +14,9 @@
 
 CheckedLog::CheckedLog(const InputFile& file, std::vector<LogLine> lines)
     : lines_{std::move(lines)}, head_{readLogHead(file)}, imported_{tableWith(standardFields())} {
+    Progress progress{"trying the import"};
     ALE::fillODB(*imported_, modulePath(file.path()), report_);
+    progress.nowDoing("trying the table file");
     saveAndLoad();
 }
 

@@ -215,7 +215,7 @@ std::vector<EntryStorage::Gone> EntryStorage::showing(const DeletedRows::Pieces&
     std::vector<Gone> gone;
     PieceFinder finder{pieces};
     for (int i = 0; i < count_; ++i) {
-        const int row = static_cast<int>(entries_[static_cast<std::size_t>(i)].row);
+        const int row = entries_[static_cast<std::size_t>(i)].signedRow();
         if (const DeletedRows::Piece* const piece = finder.find(row)) {
             gone.push_back({i, piece->deletion, row, static_cast<unsigned>(gone.size())});
         }
@@ -264,8 +264,7 @@ void EntryStorage::takeOutRows(const DeletedRows& rows) {
     }
     PieceFinder finder{pieces};
     leave(size, tags, [&finder](Entry& entry) {
-        const auto row = static_cast<std::int32_t>(entry.row);
-        const bool stays = !finder.find(row);
+        const bool stays = !finder.find(entry.signedRow());
         entry.row -= static_cast<std::uint32_t>(finder.before());
         return stays;
     });
@@ -276,12 +275,11 @@ void EntryStorage::takeOutRowsPlainly(const DeletedRows& rows) noexcept {
         const std::int64_t end = std::int64_t{run.first} + run.n;
         Entry* const kept = std::remove_if(
             entries_.get(), entries_.get() + count_, [&run, end](const Entry& entry) {
-                const auto row = static_cast<std::int32_t>(entry.row);
-                return row >= run.first && row < end;
+                return entry.signedRow() >= run.first && entry.signedRow() < end;
             });
         count_ = static_cast<int>(kept - entries_.get());
         std::for_each_n(entries_.get(), count_, [&run](Entry& entry) {
-            if (static_cast<std::int32_t>(entry.row) > run.first) {
+            if (entry.signedRow() > run.first) {
                 entry.row -= static_cast<std::uint32_t>(run.n);
             }
         });

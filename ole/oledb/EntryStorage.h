@@ -20,8 +20,11 @@ class EntryStorage {
 public:
     /// One position: plain data, moved as memory.
     struct Entry {
-        std::uint32_t row = 0; // compared as signed
+        std::uint32_t row = 0;
         std::uint8_t tag = 0;
+
+        /// The row as it is compared.
+        [[nodiscard]] int signedRow() const noexcept { return static_cast<int>(row); }
     };
 
     [[nodiscard]] int count() const noexcept { return count_; }

@@ -1,8 +1,7 @@
 // The order of a view: its index sorted by the records that the entries show.
 //
-// The comparison has the signature of `qsort` and so finds view and direction in this file: one
-// view sort at a time in the process. An entry without a record equals every other, which is no
-// consistent order; the sort is safe with that.
+// The comparison of entries has the signature of `qsort` and so finds view and direction in this
+// file: one view sort at a time in the process.
 
 #include "ole/oledb/dbsort.h"
 #include "ole/oledb/LargeVector.h"
@@ -10,12 +9,8 @@
 #include "ole/oledb/ODBView.h"
 #include "ole/oledb/oledb.h"
 #include "ole/oledb/RecordOrder.h"
-#include "ole/oledb/StableSort.h"
 #include "ole/oledb/ViewKeepAlive.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <numeric>
 #include <span>
 
 namespace {
@@ -32,23 +27,6 @@ public:
     ~Sorting() { sortedView = nullptr; }
 };
 
-int compareRecords(dbrecord* a, dbrecord* b) {
-    if (!a || !b) {
-        return 0;
-    }
-    return sortDirection >= 0 ? dbr_cmp(&a, &b) : dbr_backcmp(&a, &b);
-}
-
-/// The order of records of which some are missing.
-LargeVector<std::uint32_t> plainOrderOf(const LargeVector<dbrecord*>& records) {
-    LargeVector<std::uint32_t> order(records.size());
-    std::iota(order.begin(), order.end(), 0U);
-    stableSort(order.data(), order.size(), [&records](std::uint32_t a, std::uint32_t b) {
-        return compareRecords(records[a], records[b]) < 0;
-    });
-    return order;
-}
-
 } // namespace
 
 int odbViewSortFn(const void* a, const void* b) {
@@ -58,16 +36,22 @@ int odbViewSortFn(const void* a, const void* b) {
     }
     const auto& first = *static_cast<const ViewIndex::Entry*>(a);
     const auto& second = *static_cast<const ViewIndex::Entry*>(b);
-    return compareRecords(from->get_record(first.row), from->get_record(second.row));
+    dbrecord* const firstRecord = from->get_record(first.row);
+    dbrecord* const secondRecord = from->get_record(second.row);
+    if (!firstRecord || !secondRecord) {
+        return 0;
+    }
+    return sortDirection >= 0 ? dbr_cmp(&firstRecord, &secondRecord)
+                              : dbr_backcmp(&firstRecord, &secondRecord);
 }
 
-void ODBViewRep::sort(int dirn, int x) {
+void ODBViewRep::sort(int dir, int force) {
     const KeepAlive alive{*this}; // the watchdog is the host's
     const LifeSupport lifeSupport;
     followToTheEnd();
     if (ODBBase* const from = source()) {
-        sortDirection = dirn;
-        from->sortPrepare(dirn, x);
+        sortDirection = dir;
+        from->sortPrepare(dir, force);
         const Sorting sorting{*this};
         sortEntries();
     }
@@ -80,6 +64,5 @@ void ODBViewRep::sortEntries() {
     for (std::size_t i = 0; i < records.size(); ++i) {
         records[i] = (*this)[static_cast<int>(i)];
     }
-    const bool missing = std::find(records.begin(), records.end(), nullptr) != records.end();
-    putInOrder(entries, missing ? plainOrderOf(records) : orderOf(records, sortDirection < 0));
+    putInOrder(entries, orderOf(records, sortDirection < 0));
 }

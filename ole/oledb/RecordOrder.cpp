@@ -23,6 +23,10 @@ namespace {
 
 using Compare = int (*)(const void*, const void*);
 
+Compare compareOf(bool descending) noexcept {
+    return descending ? dbr_backcmp : dbr_cmp;
+}
+
 /// Groups up to this size are compared, larger ones dealt by bytes.
 constexpr std::size_t mostCompared = 512;
 
@@ -40,7 +44,7 @@ using Entries = std::span<Entry>;
 class KeySort {
 public:
     KeySort(std::span<dbrecord* const> records, bool descending)
-        : records_{records}, compare_{descending ? dbr_backcmp : dbr_cmp}, entries_(records.size()),
+        : records_{records}, compare_{compareOf(descending)}, entries_(records.size()),
           lengths_(records.size()) {
         writeKeys(sortRulesInForce(descending));
     }
@@ -201,21 +205,28 @@ void KeySort::deal(Entries entries, std::uint64_t varied) {
     }
 }
 
-/// The same by the comparison alone, for more records than entries can number.
+/// The same by the comparison alone, which is no consistent order where records are missing: the
+/// sort is safe with that.
 LargeVector<std::uint32_t> plainOrderOf(std::span<dbrecord* const> records, bool descending) {
-    const Compare compare = descending ? dbr_backcmp : dbr_cmp;
+    const Compare compare = compareOf(descending);
     LargeVector<std::uint32_t> positions(records.size());
     std::iota(positions.begin(), positions.end(), 0U);
     stableSort(positions.data(), positions.size(), [&](std::uint32_t a, std::uint32_t b) {
-        return compare(&records[a], &records[b]) < 0;
+        return records[a] && records[b] && compare(&records[a], &records[b]) < 0;
     });
     return positions;
+}
+
+/// Whether each record can have a key, and the entries can number what the keys hold.
+bool canHaveKeys(std::span<dbrecord* const> records) {
+    constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max() / SortKey::mostWords;
+    return records.size() <= most &&
+           std::find(records.begin(), records.end(), nullptr) == records.end();
 }
 
 } // namespace
 
 LargeVector<std::uint32_t> orderOf(std::span<dbrecord* const> records, bool descending) {
-    constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max() / SortKey::mostWords;
-    return records.size() > most ? plainOrderOf(records, descending)
-                                 : KeySort{records, descending}.order();
+    return canHaveKeys(records) ? KeySort{records, descending}.order()
+                                : plainOrderOf(records, descending);
 }

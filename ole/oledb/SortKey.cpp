@@ -4,6 +4,7 @@
 #include "ole/oledb/SortKey.h"
 
 #include "ole/oledb/recordValue.h"
+#include "ole/oledb/sortParts.h"
 #include "tarn/Ascii.h"
 #include "tarn/trimmed.h"
 
@@ -32,20 +33,6 @@ constexpr std::array<unsigned char, 256> foldedBytes = [] {
 
 unsigned char folded(char c) noexcept {
     return foldedBytes[static_cast<unsigned char>(c)];
-}
-
-std::string_view from(std::string_view text, std::size_t start) noexcept {
-    return text.substr(std::min(start, text.size()));
-}
-
-/// The part of a value that a table's sort offset leaves to be compared: from a position on, or the
-/// last characters.
-std::string_view partAt(std::string_view text, int offset) noexcept {
-    if (offset >= 0) {
-        return from(text, static_cast<std::size_t>(offset));
-    }
-    const auto count = static_cast<std::size_t>(-static_cast<long long>(offset));
-    return text.substr(text.size() - std::min(text.size(), count));
 }
 
 std::size_t endOf(std::string_view text, std::size_t at, bool (*belongs)(char)) noexcept {
@@ -132,10 +119,8 @@ void SortKey::putNatural(std::string_view text) noexcept {
 }
 
 void SortKey::putTimecode(std::string_view text) noexcept {
-    constexpr std::size_t time = 8;   // hours, minutes, seconds and their marks
-    constexpr std::size_t frames = 9; // behind the mark that tells drop frame
-    putText(text.substr(0, time));
-    putText(from(text, frames));
+    putText(text.substr(0, timeOfTimecode));
+    putText(textFrom(text, framesOfTimecode));
 }
 
 void SortKey::putValue(std::string_view text, bool timecode) noexcept {

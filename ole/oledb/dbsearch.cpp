@@ -1,4 +1,4 @@
-// Finding rows by a text or a cookie, and runs of equal values.
+// Finding rows by a text or a cookie.
 
 #include "ole/oledb/oledb.h"
 #include "ole/oledb/recordValue.h"
@@ -9,14 +9,6 @@
 #include <string_view>
 #include <unordered_map>
 #include <vector>
-
-namespace {
-
-constexpr std::size_t longestCompared = 255;
-
-} // namespace
-
-// -- finding --
 
 int oledb::findFirst(const char* field, const char* value, int n) {
     const char* const wanted = value ? value : "";
@@ -89,23 +81,4 @@ std::vector<int> oledb::firstRowsOf(const std::vector<LightweightString<char>>& 
         rows.push_back(rowOfText.find(text.view())->second);
     }
     return rows;
-}
-
-// -- runs of equal values --
-
-int oledb::tag_all_different(int col) {
-    set_all_tags(0);
-    set_show_tags_only(0);
-    set_sortfield(col);
-    sort(1, 0);
-    std::string_view previous;
-    for (unsigned i = 0; i < rows_.count(); ++i) {
-        const char* const text = get_field(i, col);
-        const std::string_view value = text ? std::string_view{text} : std::string_view{};
-        if (compareIgnoringCase(value, previous) != 0) {
-            set_tag(i, 1);
-            previous = value.substr(0, longestCompared);
-        }
-    }
-    return get_num_tags();
 }

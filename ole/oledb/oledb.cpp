@@ -1,5 +1,5 @@
-// The table: construction, rows, values and the file name. Rows enter through `appendNewRows`,
-// `insert_records`, `copyRowsFrom`, `add_oledb` and `add_text`, and every one of them is attached.
+// The table: construction, rows, values and the file name. Rows are made by `newRow` and
+// `copyOfRow`, which attach them to the table.
 
 #include "ole/oledb/oledb.h"
 
@@ -64,9 +64,8 @@ oledb::~oledb() = default;
 unsigned oledb::takeFields(const DBFieldDesc* fields, unsigned firstCol) {
     numFields_ = firstCol;
     for (; fields && fields->type != DBFieldTypes::NONE && numFields_ < maxFields; ++fields) {
-        const unsigned col = numFields_++;
-        oledb::set_fieldname(col,
-                             fields->name.c_str()); // called by constructors, so not overridable
+        const unsigned col = numFields_++; // constructors call this, so nothing is overridden yet
+        oledb::set_fieldname(col, fields->name.c_str());
         oledb::set_fieldtype(col, fields->type);
     }
     return numFields_;
@@ -238,29 +237,6 @@ dbrecord* oledb::get_record(unsigned row) const {
 dbrecord* oledb::make_dummy_record() {
     return std::make_unique<dbrecord>(static_cast<unsigned short>(numFields_), fieldTypes_.data())
         .release();
-}
-
-bool oledb::equalColumns(const oledb& other) const {
-    if (revision_ != other.revision_ || numFields_ != other.numFields_) {
-        return false;
-    }
-    for (unsigned i = 0; i < numFields_; ++i) {
-        if (fieldTypes_[i] != other.fieldTypes_[i] ||
-            compareIgnoringCase(fieldNames_[i].view(), other.fieldNames_[i].view()) != 0) {
-            return false;
-        }
-    }
-    return true;
-}
-
-int oledb::add_oledb(oledb* other) {
-    if (showTagsOnly_ != 0 || !other || !equalColumns(*other)) {
-        return -1;
-    }
-    const unsigned n = other->get_num_records();
-    copyRowsFrom(*other);
-    forgetCookies();
-    return static_cast<int>(n);
 }
 
 void oledb::copy_record(int to, oledb* src, int from) {

@@ -4,6 +4,14 @@
 #include "ole/oledb/oledb.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t longestCompared = 255;
+
+} // namespace
 
 int oledb::set_tag(unsigned row, int tag) {
     dbrecord* const record = get_record(row);
@@ -51,6 +59,23 @@ int oledb::get_num_tags() {
         tagged += get_tag(i) != 0 ? 1 : 0;
     }
     return tagged;
+}
+
+int oledb::tag_all_different(int col) {
+    set_all_tags(0);
+    set_show_tags_only(0);
+    set_sortfield(col);
+    sort(1, 0);
+    std::string_view previous;
+    for (unsigned i = 0; i < rows_.count(); ++i) {
+        const char* const text = get_field(i, col);
+        const std::string_view value = text ? std::string_view{text} : std::string_view{};
+        if (compareIgnoringCase(value, previous) != 0) {
+            set_tag(i, 1);
+            previous = value.substr(0, longestCompared);
+        }
+    }
+    return get_num_tags();
 }
 
 int oledb::set_show_tags_only(int on) {

@@ -250,7 +250,7 @@ public:
 
     /// Sorts the index by the table's keys; tags travel along, equal entries keep their order.
     /// Sends nothing. V log V comparisons at most; further memory as for a table.
-    void sort(int dirn, int x) override;
+    void sort(int dir, int force) override;
     /// A new view on the same table; the caller owns it. Without a base view it shows what this one
     /// shows, each row once; over a base view it shows all of that. Tags are copied by position.
     /// Null without a table. Linear in V.
@@ -370,7 +370,7 @@ public:
     [[nodiscard]] const char* get_param_val(const char* name) const override;
     /// The number of the *table's* first row whose field holds the whole text, shown here or not;
     /// -1 for none. The third argument is not looked at.
-    [[nodiscard]] int findFirst(const char* a, const char* b, int start) override;
+    [[nodiscard]] int findFirst(const char* field, const char* value, int) override;
     void sortPrepare(int dir, int force) override;
     /// Whether the row of number `r` of the source matches: deliberately not the one shown at that
     /// position.
@@ -406,6 +406,8 @@ private:
     int takeRuns(int i, Selects selects, Take take);
     template <class Tag>
     void tagFromSourceRows(Tag tagOf);
+    template <class Question>
+    int askSource(unsigned i, Question question);
 
     unsigned refs = 0;
     ODBViewRep* base = nullptr;

@@ -106,67 +106,51 @@ const char* ODBViewRep::get_field(unsigned i, const char* name) const {
     return f < 0 ? nullptr : record->get_field(static_cast<unsigned short>(f));
 }
 
-int ODBViewRep::set_field(unsigned r, const Cookie& cookie) {
+/// What the source answers about the row that a position shows; 0 where it shows none.
+template <class Question>
+int ODBViewRep::askSource(unsigned i, Question question) {
     ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r))
-               ? from->set_field(index[static_cast<int>(r)].row, cookie)
-               : 0;
+    const int position = static_cast<int>(i);
+    return from && isPosition(position) ? question(*from, index[position].row) : 0;
+}
+
+int ODBViewRep::set_field(unsigned r, const Cookie& cookie) {
+    return askSource(r, [&](ODBBase& from, unsigned row) { return from.set_field(row, cookie); });
 }
 
 int ODBViewRep::set_field(unsigned r, unsigned f, const char* text) {
-    ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r))
-               ? from->set_field(index[static_cast<int>(r)].row, f, text)
-               : 0;
+    return askSource(r, [=](ODBBase& from, unsigned row) { return from.set_field(row, f, text); });
 }
 
 int ODBViewRep::set_field(unsigned r, unsigned f, int number) {
-    ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r))
-               ? from->set_field(index[static_cast<int>(r)].row, f, number)
-               : 0;
+    return askSource(r,
+                     [=](ODBBase& from, unsigned row) { return from.set_field(row, f, number); });
 }
 
 int ODBViewRep::set_field(unsigned r, unsigned f, double seconds) {
-    ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r))
-               ? from->set_field(index[static_cast<int>(r)].row, f, seconds)
-               : 0;
+    return askSource(r,
+                     [=](ODBBase& from, unsigned row) { return from.set_field(row, f, seconds); });
 }
 
 int ODBViewRep::set_field(unsigned r, unsigned f, bool flag) {
-    ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r))
-               ? from->set_field(index[static_cast<int>(r)].row, f, flag)
-               : 0;
+    return askSource(r, [=](ODBBase& from, unsigned row) { return from.set_field(row, f, flag); });
 }
 
 int ODBViewRep::in_field(unsigned r, unsigned f, char* buf, int size) {
-    ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r))
-               ? from->in_field(index[static_cast<int>(r)].row, f, buf, size)
-               : 0;
+    return askSource(r,
+                     [=](ODBBase& from, unsigned row) { return from.in_field(row, f, buf, size); });
 }
 
 int ODBViewRep::in_field(unsigned r, unsigned f, int& number) {
-    ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r))
-               ? from->in_field(index[static_cast<int>(r)].row, f, number)
-               : 0;
+    return askSource(r, [&](ODBBase& from, unsigned row) { return from.in_field(row, f, number); });
 }
 
 int ODBViewRep::in_field(unsigned r, unsigned f, double& number) {
-    ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r))
-               ? from->in_field(index[static_cast<int>(r)].row, f, number)
-               : 0;
+    return askSource(r, [&](ODBBase& from, unsigned row) { return from.in_field(row, f, number); });
 }
 
 int ODBViewRep::in_field(unsigned r, unsigned f, bool& flag) {
-    ODBBase* const from = source();
-    return from && isPosition(static_cast<int>(r))
-               ? from->in_field(index[static_cast<int>(r)].row, f, flag)
-               : 0;
+    return askSource(r, [&](ODBBase& from, unsigned row) { return from.in_field(row, f, flag); });
 }
 
 // -- fields, forwarded --
@@ -246,9 +230,9 @@ int ODBViewRep::match_record(int r) const {
     return from ? from->match_record(r) : 0;
 }
 
-int ODBViewRep::findFirst(const char* a, const char* b, int) {
+int ODBViewRep::findFirst(const char* field, const char* value, int) {
     ODBBase* const from = source();
-    return from ? from->findFirst(a, b, 0) : 0;
+    return from ? from->findFirst(field, value, 0) : 0;
 }
 
 int ODBViewRep::get_valid() const {

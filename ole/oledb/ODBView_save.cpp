@@ -3,10 +3,9 @@
 #include "misc/diagnostics.h"
 #include "ole/oledb/ODBView.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/rowText.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/TextFile.h"
-
-#include <string>
 
 namespace {
 
@@ -15,14 +14,8 @@ constexpr auto lineEnds = TextFile::eEOLStyleCRLF;
 } // namespace
 
 void ODBViewRep::writeHeading(TextFile& file) const {
-    std::string line;
     for (std::size_t i = 0; i < params.size(); ++i) {
-        line = '"';
-        line += params[i].first.view();
-        line += ':';
-        line += params[i].second.view();
-        line += '"';
-        file.appendLine(line);
+        file.appendLine(parameterLine(params[i].first.view(), params[i].second.view()));
     }
     db->save_column_header(file, false);
 }

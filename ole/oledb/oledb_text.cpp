@@ -102,15 +102,18 @@ int oledb::read_params(TextFile& file, dbrecord* scratch) {
     return found;
 }
 
-int oledb::save_params(TextFile& file) const {
+std::string parameterLine(std::string_view name, std::string_view value) {
     std::string line;
+    line += '"';
+    line += name;
+    line += ':';
+    line += value;
+    return line += '"';
+}
+
+int oledb::save_params(TextFile& file) const {
     for (const Param& param : params_) {
-        line = '"';
-        line += param.name.view();
-        line += ':';
-        line += param.value.view();
-        line += '"';
-        file.appendLine(line);
+        file.appendLine(parameterLine(param.name.view(), param.value.view()));
     }
     return 1;
 }

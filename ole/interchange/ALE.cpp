@@ -15,6 +15,7 @@
 #include "ole/interchange/AleColumns.h"
 #include "ole/interchange/KeyNumber.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/plainTypes.h"
 #include "ole/oledb/RecentValues.h"
 #include "ole/Tarn/Vector.h"
 #include "tarn/StringFunctions.h"
@@ -24,7 +25,6 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
-#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -321,7 +321,7 @@ private:
 
     /// The record to write to; null for a table of a host's own, which may write in its own way.
     [[nodiscard]] dbrecord* recordOf(unsigned row) const {
-        return typeid(table_) == typeid(oledb) ? table_.get_record(row) : nullptr;
+        return isPlain(table_) ? table_.get_record(row) : nullptr;
     }
 
     void store(dbrecord* record, unsigned row, int field, LightweightString<char> value) {

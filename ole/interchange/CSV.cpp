@@ -14,6 +14,7 @@
 #include "misc/CurrentProject.h"
 #include "misc/date_def.h"
 #include "misc/time_def.h"
+#include "ole/oledb/plainTypes.h"
 #include "ole/oledb/RowsAhead.h"
 #include "tarn/Ascii.h"
 #include "tarn/byteWords.h"
@@ -24,7 +25,6 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <typeinfo>
 
 namespace {
 
@@ -80,11 +80,6 @@ void appendValue(Tarn::LineBuffer& line, std::string_view separator,
     }
 }
 
-/// Whether records hold what a view shows: not where it is a host's own.
-bool isPlain(const ODBViewRep* view) {
-    return view && typeid(*view) == typeid(ODBViewRep);
-}
-
 } // namespace
 
 CSV::CSV(const ODBView& view) : FieldMap{view} {}
@@ -104,7 +99,7 @@ bool CSV::writeTo(const LightweightString<wchar_t>& path) const {
         fields.push_back(column.field);
     }
     const unsigned rows = sourceDb()->get_num_records();
-    RowsAhead ahead{isPlain(sourceDb().rep()) ? rows : 0, fields, [this](std::size_t row) {
+    RowsAhead ahead{isPlain(*sourceDb()) ? rows : 0, fields, [this](std::size_t row) {
                         return sourceDb()->get_record(static_cast<unsigned>(row));
                     }};
     Tarn::LineBuffer line;
@@ -172,7 +167,7 @@ std::vector<CSV::Column> CSV::columns() const {
 void CSV::makeLine(Tarn::LineBuffer& line, const std::vector<Column>& columns, unsigned row) const {
     line.clear();
     const ODBViewRep* const view = sourceDb().rep();
-    const bool plain = isPlain(view);
+    const bool plain = view && isPlain(*view);
     const dbrecord* const record = plain ? view->get_record(row) : nullptr;
     std::string_view separator;
     for (const Column& column : columns) {

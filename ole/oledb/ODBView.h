@@ -406,6 +406,8 @@ private:
     int takeRuns(int i, Selects selects, Take take);
     template <class Tag>
     void tagFromSourceRows(Tag tagOf);
+    template <class Matches>
+    int tagWhere(bool keep, Matches matches);
     template <class Question>
     int askSource(unsigned i, Question question);
 

@@ -3,7 +3,7 @@
 
 #include "ole/oledb/LifeSupport.h"
 #include "ole/oledb/ODBView.h"
-#include "ole/oledb/oledb.h"
+#include "ole/oledb/plainTypes.h"
 #include "ole/oledb/ViewKeepAlive.h"
 #include "tarn/Cookie.h"
 #include "tarn/CookieSet.h"
@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <climits>
 #include <memory>
-#include <typeinfo>
 #include <unordered_set>
 #include <utility>
 
@@ -67,15 +66,10 @@ void ODBViewRep::displayTaggedRecordsAt(int at) {
 
 /// The rows that the source finds for cookies: whatever the chain, it asks the table at its bottom.
 std::vector<int> ODBViewRep::rowsOf(const std::vector<Cookie>& cookies) const {
-    const ODBViewRep* bottom = this;
-    while (bottom->base) {
-        bottom = bottom->base;
+    if (oledb* const asked = plainTableBelow(*this)) {
+        return asked->findFirstOfEach(cookies);
     }
-    oledb* const table = bottom->table();
-    if (table && typeid(*table) == typeid(oledb)) {
-        return table->findFirstOfEach(cookies);
-    }
-    std::vector<int> rows(cookies.size(), -1); // a host's own table may search in its own way
+    std::vector<int> rows(cookies.size(), -1);
     ODBBase* const from = source();
     std::transform(cookies.begin(), cookies.end(), rows.begin(), [from](const Cookie& cookie) {
         return from ? from->findFirst("Cookie", cookie.asString(false).c_str(), 0) : -1;

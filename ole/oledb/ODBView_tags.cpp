@@ -2,7 +2,8 @@
 // source.
 
 #include "ole/oledb/ODBView.h"
-#include "ole/oledb/oledb.h"
+#include "ole/oledb/plainTypes.h"
+#include "ole/oledb/PreparedQuery.h"
 #include "ole/oledb/ViewKeepAlive.h"
 #include "tarn/numbers.h"
 #include "tarn/StringFunctions.h"
@@ -45,18 +46,37 @@ bool ODBViewRep::notTagged(int i) {
     return !tag(i);
 }
 
-int ODBViewRep::tagMatches(int keep) {
-    ODBBase* const from = source();
-    int matches = 0;
-    for (int i = 0; from && i < index.held(); ++i) {
-        if (from->match_record(sourceRow(i)) != 0) {
+/// Tags the entries whose source rows match, and returns their number.
+template <class Matches>
+int ODBViewRep::tagWhere(bool keep, Matches matches) {
+    int found = 0;
+    for (int i = 0; i < index.held(); ++i) {
+        if (matches(sourceRow(i))) {
             set_tag(static_cast<unsigned>(i), 1);
-            ++matches;
-        } else if (keep == 0) {
+            ++found;
+        } else if (!keep) {
             set_tag(static_cast<unsigned>(i), 0);
         }
     }
-    return matches;
+    return found;
+}
+
+/// The number of the source's row goes down a chain as it is (`match_record`), so the table at its
+/// bottom has the word.
+int ODBViewRep::tagMatches(int keep) {
+    ODBBase* const from = source();
+    if (!from) {
+        return 0;
+    }
+    const oledb* const asked = isPlain(*this) ? plainTableBelow(*this) : nullptr;
+    if (!asked) {
+        return tagWhere(keep != 0, [from](int row) { return from->match_record(row) != 0; });
+    }
+    const PreparedQuery query{*asked};
+    return tagWhere(keep != 0, [&](int row) {
+        const dbrecord* const record = asked->get_record(static_cast<unsigned>(row));
+        return !record || query.matches(*record);
+    });
 }
 
 int ODBViewRep::tagDuplicatesOrdered(int field) {

@@ -4,6 +4,8 @@
 #include "misc/date_def.h"
 #include "misc/time_def.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/plainTypes.h"
+#include "ole/oledb/PreparedQuery.h"
 #include "ole/oledb/recordValue.h"
 #include "ole/oledb/RowsAhead.h"
 #include "tarn/numbers.h"
@@ -12,7 +14,6 @@
 #include <array>
 #include <cstddef>
 #include <string_view>
-#include <typeinfo>
 #include <vector>
 
 namespace {
@@ -154,6 +155,23 @@ std::vector<oledb::QueryTerm> oledb::queryTerms() const {
     return terms;
 }
 
+PreparedQuery::PreparedQuery(const oledb& table) {
+    if (table.query_) {
+        terms_ = table.queryTerms();
+    }
+    columns_.reserve(terms_.size());
+    for (const oledb::QueryTerm& term : terms_) {
+        columns_.push_back(term.column());
+    }
+}
+
+PreparedQuery::~PreparedQuery() = default;
+
+bool PreparedQuery::matches(const dbrecord& record) const {
+    return std::all_of(terms_.begin(), terms_.end(),
+                       [&record](const oledb::QueryTerm& term) { return term.holdsFor(record); });
+}
+
 template <class Matches>
 int oledb::tagRows(bool keep, Matches matches) {
     int found = 0;
@@ -172,26 +190,19 @@ int oledb::tag_matching_records(int keep) {
     if (!query_) {
         return 0;
     }
-    if (typeid(*this) != typeid(oledb)) { // a host's own table may match in its own way
+    if (!isPlain(*this)) {
         return tagRows(keep != 0,
                        [this](unsigned row) { return match_record(static_cast<int>(row)) != 0; });
     }
-    const std::vector<QueryTerm> terms = queryTerms();
-    std::vector<int> columns;
-    columns.reserve(terms.size());
-    for (const QueryTerm& term : terms) {
-        columns.push_back(term.column());
-    }
+    const PreparedQuery query{*this};
     const auto recordAt = [this](std::size_t row) {
         return get_record(static_cast<unsigned>(row));
     };
-    RowsAhead ahead{rows_.count(), columns, recordAt};
+    RowsAhead ahead{rows_.count(), query.columns(), recordAt};
     return tagRows(keep != 0, [&](unsigned row) {
         ahead.reach(row);
         const dbrecord* const record = recordAt(row);
-        return !record || std::all_of(terms.begin(), terms.end(), [record](const QueryTerm& term) {
-            return term.holdsFor(*record);
-        });
+        return !record || query.matches(*record);
     });
 }
 

@@ -400,6 +400,7 @@ public:
 
 private:
     friend class dbrecord;
+    friend class PreparedQuery;
 
     static constexpr int currentRevision = 1;
     static constexpr const char* cookieField = "cookie";

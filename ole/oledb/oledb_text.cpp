@@ -11,6 +11,7 @@
 #include "misc/diagnostics.h"
 #include "misc/SystemWatchdog.h"
 #include "ole/oledb/oledb.h"
+#include "ole/oledb/plainTypes.h"
 #include "ole/oledb/RecentValues.h"
 #include "ole/oledb/rowText.h"
 #include "tarn/numbers.h"
@@ -20,7 +21,6 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
-#include <typeinfo>
 #include <vector>
 
 namespace {
@@ -124,7 +124,7 @@ int oledb::save_params(TextFile& file) const {
 /// anew.
 std::vector<unsigned> oledb::widestValues() {
     std::vector<unsigned> widths(numFields_);
-    if (typeid(*this) != typeid(oledb)) { // a host's own table may have its own widths
+    if (!isPlain(*this)) {
         for (unsigned col = 0; col < numFields_; ++col) {
             widths[col] = get_fieldsize(col);
         }

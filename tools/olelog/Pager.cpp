@@ -17,8 +17,6 @@
 #include <unistd.h>
 #include <utility>
 
-extern char** environ;
-
 namespace {
 
 constexpr int shellFoundNothing = 127;

@@ -8,6 +8,7 @@
 #include "ole/oledb/oledb.h"
 #include "shownText.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace {
@@ -38,15 +39,15 @@ bool WantedItems::takeCookie(const std::string& text, const std::string& place,
 }
 
 bool WantedItems::takeArguments(const std::vector<std::string>& texts) {
-    for (const std::string& text : texts) {
-        if (!takeCookie(text, "")) {
-            say("{} is no cookie: a kind letter, 32 hex digits and 2 of flags, hyphens between "
-                "them as you like",
-                inQuotes(text));
-            return false;
-        }
+    const auto bad = std::find_if_not(texts.begin(), texts.end(), [this](const std::string& text) {
+        return takeCookie(text, "");
+    });
+    if (bad != texts.end()) {
+        say("{} is no cookie: a kind letter, 32 hex digits and 2 of flags, hyphens between them as "
+            "you like",
+            inQuotes(*bad));
     }
-    return true;
+    return bad == texts.end();
 }
 
 /// Takes the cookies of the chosen rows; says which have none, and then returns false.

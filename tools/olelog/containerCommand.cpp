@@ -89,6 +89,7 @@ void addRemove(CLI::App& container, Task& task) {
     addDryRun(*command, options->dryRun);
     command->footer(
         "Example:\n"
+        "  olelog container add selects.sg U-5f0c41d2-8a3e-4b57-9d26-1c7e90ab34f8-ff\n"
         "  olelog container remove selects.sg U-5f0c41d2-8a3e-4b57-9d26-1c7e90ab34f8-ff");
 }
 

@@ -24,7 +24,7 @@ struct OpenLog {
 struct TakenLog {
     const OpenLog& log;
     oledb& table;
-    unsigned firstRow;
+    unsigned firstRow = 0;
     ALE::Report report;
 };
 

@@ -12,7 +12,7 @@ struct Appearance {
 };
 
 /// From now on the tool appears so. At first as a new `Appearance` says.
-void setAppearance(const Appearance& appearance);
+void setAppearance(const Appearance& wanted);
 bool isQuiet();
 
 /// The width of the terminal that standard output goes to: COLUMNS where it is set, else what the

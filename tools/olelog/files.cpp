@@ -47,6 +47,26 @@ int whyUnreadable(int file, struct stat& status) {
     return S_ISDIR(status.st_mode) ? EISDIR : 0;
 }
 
+/// What a person can do about an error of the system, where that is not plain.
+std::string_view advice(int error) {
+    switch (error) {
+    case EACCES:
+    case EPERM:
+        return " (ask its owner to allow it, or use a copy in a folder of your own)";
+    case EISDIR:
+        return " (name a file in it)";
+    case ENOSPC:
+    case EDQUOT:
+        return " (make room there, or write to another disk)";
+    case EROFS:
+        return " (write to another disk)";
+    case EFBIG:
+        return " (the limit for the size of files is reached; ulimit -f shows it)";
+    default:
+        return "";
+    }
+}
+
 /// What helps a person who named a file that there is not: the folder that is missing, or the file
 /// that was probably meant.
 std::string hintForMissing(const std::string& name) {
@@ -73,7 +93,8 @@ std::string hintForMissing(const std::string& name) {
 } // namespace
 
 std::string reasonText(int error) {
-    return error == 0 ? "unknown reason" : std::generic_category().message(error);
+    return error == 0 ? "unknown reason"
+                      : std::generic_category().message(error).append(advice(error));
 }
 
 int writeAll(int file, std::string_view bytes) {

@@ -7,7 +7,8 @@
 #include <string>
 #include <string_view>
 
-/// The system's words for an error number: "No such file or directory".
+/// The system's words for an error number, "No such file or directory", and what a person can do
+/// about it.
 std::string reasonText(int error);
 
 /// Writes all bytes; 0, or the error number.

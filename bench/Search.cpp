@@ -4,6 +4,8 @@
 #include "suites.h"
 #include "Tables.h"
 
+#include "ole/oledb/ODBView.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -12,17 +14,38 @@ namespace bench {
 
 namespace {
 
-void query(benchmark::State& state, unsigned rows) {
-    oledb& table = sharedTable(rows);
-    const std::unique_ptr<dbrecord> patterns{table.make_dummy_record()};
+/// Two patterns, one with a wildcard.
+std::unique_ptr<dbrecord> patternsFor(oledb& table) {
+    std::unique_ptr<dbrecord> patterns{table.make_dummy_record()};
     patterns->set_field(table.get_fieldnum("Note"), "ta?e");
     patterns->set_field(table.get_fieldnum("Description"), "harbour");
+    return patterns;
+}
+
+void query(benchmark::State& state, unsigned rows) {
+    oledb& table = sharedTable(rows);
+    const auto patterns = patternsFor(table);
     measure(
         state, rows, [&]() -> oledb& { return table; },
         [&](oledb& searched) {
             searched.set_query(patterns.get());
             return someOf(rows, searched.tag_matching_records(0));
         });
+    table.set_query(nullptr);
+}
+
+void queryView(benchmark::State& state, unsigned rows) {
+    oledb& table = sharedTable(rows);
+    const auto patterns = patternsFor(table);
+    const auto everything = [&] {
+        ODBView view{&table};
+        view->displayAllRecords();
+        return view;
+    };
+    measure(state, rows, everything, [&](ODBView& searched) {
+        searched->set_query(patterns.get());
+        return someOf(rows, searched->tagMatches(0));
+    });
     table.set_query(nullptr);
 }
 
@@ -133,6 +156,7 @@ void rebuildIndex(benchmark::State& state, unsigned rows) {
 void addSearch() {
     add("query", "ours", query);
     add("query", "sqlite", querySqlite);
+    add("query-view", "ours", queryView);
     add("cookie", "ours", lookUp);
     add("cookie", "sqlite", lookUpSqlite);
     add("cookie-index", "ours", buildIndex);

@@ -5,6 +5,7 @@
 #include "tarn/BlockMemory.h"
 
 #include "tarn/ChunkMemory.h"
+#include "tarn/LinkedItems.h"
 #include "tarn/sanitizer.h"
 
 #include <array>
@@ -49,28 +50,28 @@ class Blocks {
 public:
     void* allocate(std::size_t size) {
         const std::lock_guard lock{mutex_};
-        Chunk*& first = withRoom_[size / step];
-        if (!first) {
-            enlist(*newChunk(), first);
+        LinkedItems<Chunk>& withRoom = withRoom_[size / step];
+        if (!withRoom.first()) {
+            withRoom.add(*newChunk());
         }
-        Chunk& chunk = *first;
+        Chunk& chunk = *withRoom.first();
         void* const block = takeFrom(chunk, size);
         if (!hasRoom(chunk, size)) {
-            delist(chunk, first);
+            withRoom.takeOut(chunk);
         }
         return block;
     }
 
     void release(void* block, std::size_t size) noexcept {
         const std::lock_guard lock{mutex_};
-        Chunk*& first = withRoom_[size / step];
+        LinkedItems<Chunk>& withRoom = withRoom_[size / step];
         Chunk& chunk = chunkOf(block);
         if (!hasRoom(chunk, size)) {
-            enlist(chunk, first);
+            withRoom.add(chunk);
         }
         chunk.died = ::new (block) FreeBlock{chunk.died};
         if (--chunk.live == 0) {
-            delist(chunk, first);
+            withRoom.takeOut(chunk);
             ChunkMemory::give(&chunk);
         }
     }
@@ -92,24 +93,8 @@ private:
         return block;
     }
 
-    static void enlist(Chunk& chunk, Chunk*& first) noexcept {
-        chunk.previous = nullptr;
-        chunk.next = first;
-        if (first) {
-            first->previous = &chunk;
-        }
-        first = &chunk;
-    }
-
-    static void delist(Chunk& chunk, Chunk*& first) noexcept {
-        (chunk.previous ? chunk.previous->next : first) = chunk.next;
-        if (chunk.next) {
-            chunk.next->previous = chunk.previous;
-        }
-    }
-
     std::mutex mutex_;
-    std::array<Chunk*, sizes> withRoom_{};
+    std::array<LinkedItems<Chunk>, sizes> withRoom_{};
 };
 
 // Never destroyed: a host's static objects give their blocks back late.

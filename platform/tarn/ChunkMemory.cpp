@@ -3,6 +3,7 @@
 
 #include "tarn/ChunkMemory.h"
 
+#include "tarn/LinkedItems.h"
 #include "tarn/PageMemory.h"
 
 #include <bit>
@@ -43,10 +44,10 @@ public:
         if (ordinary_ < mostOrdinary) {
             return takeOrdinary();
         }
-        if (!withRoom_) {
+        if (!withRoom_.first()) {
             addPage();
         }
-        return takeFrom(*withRoom_);
+        return takeFrom(*withRoom_.first());
     }
 
     void give(void* chunk) noexcept {
@@ -71,14 +72,14 @@ private:
         auto page = std::make_unique<Page>();
         page->memory = static_cast<unsigned char*>(PageMemory::take(PageMemory::largePage));
         page->freeChunks = allFree;
-        enlist(*page.release());
+        withRoom_.add(*page.release());
     }
 
     void* takeFrom(Page& page) noexcept {
         const auto i = static_cast<unsigned>(std::countr_zero(page.freeChunks));
         page.freeChunks &= page.freeChunks - 1;
         if (page.freeChunks == 0) {
-            delist(page);
+            withRoom_.takeOut(page);
         }
         void* const chunk = page.memory + i * alignment;
         ::new (&pageOf(chunk)) Page* {&page};
@@ -87,38 +88,22 @@ private:
 
     void giveTo(Page& page, void* chunk) noexcept {
         if (page.freeChunks == 0) {
-            enlist(page);
+            withRoom_.add(page);
         }
         const auto offset = static_cast<unsigned char*>(chunk) - page.memory;
         page.freeChunks |= std::uint32_t{1} << (static_cast<std::size_t>(offset) / alignment);
         // The last page with room stays, though nothing of it is in use: else a chunk that comes
         // and goes would take and give a page each time.
         if (page.freeChunks == allFree && (page.previous || page.next)) {
-            delist(page);
+            withRoom_.takeOut(page);
             PageMemory::give(page.memory, PageMemory::largePage);
             delete &page;
         }
     }
 
-    void enlist(Page& page) noexcept {
-        page.previous = nullptr;
-        page.next = withRoom_;
-        if (withRoom_) {
-            withRoom_->previous = &page;
-        }
-        withRoom_ = &page;
-    }
-
-    void delist(Page& page) noexcept {
-        (page.previous ? page.previous->next : withRoom_) = page.next;
-        if (page.next) {
-            page.next->previous = page.previous;
-        }
-    }
-
     std::mutex mutex_;
     unsigned ordinary_ = 0;
-    Page* withRoom_ = nullptr;
+    LinkedItems<Page> withRoom_;
 };
 
 // Never destroyed: strings of a host's static objects come back late.

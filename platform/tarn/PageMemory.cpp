@@ -1,3 +1,6 @@
+// The system gives small pages at any address. To stand at a large page, more is taken than was
+// asked for, and what lies in front and behind goes back at once.
+
 #include "tarn/PageMemory.h"
 
 #include <cstdint>

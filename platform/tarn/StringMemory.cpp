@@ -180,8 +180,8 @@ void release(void* block, std::size_t bytes) noexcept {
     }
     Chunk* const chunk = chunkOf(block);
     if (chunk == current && isLastCut(chunk, block, size)) {
-        chunk->used -=
-            size; // most texts that live shortly die in the order opposite to their making
+        // Most texts that live shortly die in the order opposite to their making.
+        chunk->used -= size;
         --chunk->given;
         return;
     }

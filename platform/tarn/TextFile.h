@@ -97,13 +97,12 @@ public:
     void stream(const LightweightString<wchar_t>& path, eEOLStyle style);
 
     /// Writes all lines, each with its line end, and returns whether that succeeded; it fails while
-    /// the lines of `streamFrom` come. An empty path
-    /// means the path given at construction or loading; without one the save fails. A regular file
-    /// is replaced whole or not at all: a sibling is written, flushed to disk and renamed over it;
-    /// the permissions of an existing file stay; other hard links to it keep the old contents.
-    /// Symbolic links are followed; devices and pipes are written directly. A file without write
-    /// permission is not replaced. Should the flush of the folder fail, after the renaming, the
-    /// result is false and the new file stands.
+    /// the lines of `streamFrom` come. An empty path means the path given at construction or
+    /// loading; without one the save fails. A regular file is replaced whole or not at all: a
+    /// sibling is written, flushed to disk and renamed over it; the permissions of an existing file
+    /// stay; other hard links to it keep the old contents. Symbolic links are followed; devices and
+    /// pipes are written directly. A file without write permission is not replaced. Should the
+    /// flush of the folder fail, after the renaming, the result is false and the new file stands.
     ///
     /// Ends streaming: with another path or style than `stream` was given, the save fails; either
     /// way the lines streamed are gone from here, and the text file is empty.

@@ -95,8 +95,8 @@ public:
     /// ignoring case instead of naturally. Sends nothing.
     virtual void sort(int dir, int force) = 0;
     ///@{
-    /// Sets a row's tag, or turns it over, and returns 1; 0 for no such row. Tags of a view are its
-    /// own.
+    /// Sets a row's tag, or turns it over, and returns 1; 0 for no such row. A table keeps the low
+    /// byte of the number, a view, whose tags are its own, 0 or 1.
     virtual int set_tag(unsigned row, int tag) = 0;
     virtual int invert_tag(unsigned row) = 0;
     ///@}

@@ -68,7 +68,11 @@ class TextFile;
 /// Without a source, which includes a table that was destroyed, operations on rows and tags do
 /// nothing and give 0, false or null; `find`, `findViewIndexForBaseRow` and `dbFieldIndex` give -1,
 /// `notTagged` true. What is the view's own works on: parameters, file name, field specification,
-/// size. Costs are in V, the number of entries; each access through a chain adds one step a level.
+/// size.
+///
+/// Costs are in V, the number of entries; each access through a chain adds one step a level, and so
+/// does adding entries. What goes down a chain takes stack for each level. Dropping a chain takes
+/// none; deletions and removals take most: through some 10,000 levels more than 8 MiB.
 class OLE_API ODBViewRep : public ODBBase, public Notifier {
 public:
     /// A question about a position: `tag`, `notTagged`, or one of a derived class.
@@ -163,7 +167,8 @@ public:
     /// Whether a position is untagged; true out of range.
     [[nodiscard]] bool notTagged(int i);
     /// Tags the entries that match the source's query and, unless `keep`, takes the tags of the
-    /// others; returns the number of matches.
+    /// others; returns the number of matches. An entry without a row matches, and without a query
+    /// every one. The query is made ready once, and asked of each entry.
     int tagMatches(int keep);
     /// Tags every entry whose field holds the same text, ignoring case, as the first of its run,
     /// and returns how many. The view must be in the order of that field. Tags are only set.
@@ -249,7 +254,8 @@ public:
     // -- order, copies, files --
 
     /// Sorts the index by the table's keys; tags travel along, equal entries keep their order.
-    /// Sends nothing. V log V comparisons at most; further memory as for a table.
+    /// Sends nothing. V log V comparisons at most; further memory as for a table, and 8 bytes an
+    /// entry.
     void sort(int dir, int force) override;
     /// A new view on the same table; the caller owns it. Without a base view it shows what this one
     /// shows, each row once; over a base view it shows all of that. Tags are copied by position.
@@ -326,7 +332,8 @@ public:
     void set_sortfields(int* list) override;
     void set_sort_offset(int offset) override;
     ///@{
-    /// Sets the entry's tag, or turns it over, and returns 1; 0 and nothing done out of range.
+    /// Sets the entry's tag, any number but 0 as 1, or turns it over, and returns 1; 0 and nothing
+    /// done out of range.
     int set_tag(unsigned i, int v) override;
     int invert_tag(unsigned i) override;
     ///@}

@@ -260,7 +260,8 @@ public:
     // -- tags --
 
     ///@{
-    /// Stores the low byte of `tag`, or turns the tag over, and returns 1; 0 for no such row.
+    /// Stores the low byte of `tag`, so that 256 is no tag, or turns the tag over, and returns 1; 0
+    /// for no such row.
     int set_tag(unsigned row, int tag) override;
     int invert_tag(unsigned row) override;
     ///@}
@@ -293,7 +294,8 @@ public:
 
     /// The row whose column "cookie" holds a cookie (the first of several), or -1. Builds an index
     /// of all rows at first use and again after rows were inserted, deleted or sorted, or the
-    /// show-tags-only mode was switched: linear then, constant otherwise.
+    /// show-tags-only mode was switched: linear then, constant otherwise. An index that names any
+    /// row does not notice what is written to the column as text.
     [[nodiscard]] int getRowIndexByID(const Cookie& cookie) const;
     /// Opens a batch of updates; batches nest.
     void beginUpdate();
@@ -340,8 +342,8 @@ public:
     void sortPrepare(int dir, int force) override;
     /// Sorts all rows, ascending for dir >= 0 (`dbr_cmp`), else descending (`dbr_backcmp`), which
     /// is not simply the reverse. Rows that compare equal keep their order. Sends nothing: views on
-    /// the table show other rows afterwards. R log R comparisons at most; further memory of some 50
-    /// bytes a row while it runs.
+    /// the table show other rows afterwards. R log R comparisons at most; further memory of 38
+    /// bytes a row while it runs, and up to 56 more for keys of more than eight bytes.
     void sort(int dir, int force) override;
 
     // -- search --

@@ -167,8 +167,8 @@ std::vector<CSV::Column> CSV::columns() const {
 void CSV::makeLine(Tarn::LineBuffer& line, const std::vector<Column>& columns, unsigned row) const {
     line.clear();
     const ODBViewRep* const view = sourceDb().rep();
-    const bool plain = view && isPlain(*view);
-    const dbrecord* const record = plain ? view->get_record(row) : nullptr;
+    const bool plain = !view || isPlain(*view);
+    const dbrecord* const record = view && plain ? view->get_record(row) : nullptr;
     std::string_view separator;
     for (const Column& column : columns) {
         if (record) {

@@ -92,7 +92,10 @@ void ODBViewRep::release() noexcept {
 // -- table and base view --
 
 ODBBase* ODBViewRep::source() const noexcept {
-    return base ? static_cast<ODBBase*>(base) : table();
+    if (db && !table()) {
+        return nullptr; // a base view on it has lost its rows as well
+    }
+    return base ? static_cast<ODBBase*>(base) : db;
 }
 
 /// Takes over from the new table before the old one is left: memory may run out on the way.
@@ -223,7 +226,7 @@ dbrecord* ODBViewRep::operator[](int i) const {
 }
 
 int ODBViewRep::sourceRow(int i) const noexcept {
-    return isPosition(i) ? index[i].signedRow() : 0;
+    return source() && isPosition(i) ? index[i].signedRow() : 0;
 }
 
 int ODBViewRep::baseIndex(int i) {
@@ -232,7 +235,7 @@ int ODBViewRep::baseIndex(int i) {
 }
 
 int ODBViewRep::findViewIndexForBaseRow(unsigned long row) const {
-    for (int i = 0; i < index.held(); ++i) {
+    for (int i = 0; source() && i < index.held(); ++i) {
         if (static_cast<unsigned long>(static_cast<long>(sourceRow(i))) == row) {
             return i;
         }

@@ -65,10 +65,10 @@ class TextFile;
 /// held it: clear in fresh storage, stale where entries were removed before. Set tags after filling
 /// a view.
 ///
-/// Without a source, which includes a table that was destroyed, operations on rows and tags do
-/// nothing and give 0, false or null; `find`, `findViewIndexForBaseRow` and `dbFieldIndex` give -1,
-/// `notTagged` true. What is the view's own works on: parameters, file name, field specification,
-/// size.
+/// Without a source, which includes a table that was destroyed, a view and those upon it have no
+/// entries; operations on rows and tags do nothing and give 0, false or null; `find`,
+/// `findViewIndexForBaseRow` and `dbFieldIndex` give -1, `notTagged` true. What is the view's own
+/// works on: parameters, file name, field specification.
 ///
 /// Costs are in V, the number of entries; each access through a chain adds one step a level, and so
 /// does adding entries. What goes down a chain takes stack for each level. Dropping a chain takes
@@ -104,7 +104,7 @@ public:
     [[nodiscard]] oledb* table() const noexcept { return tableLife_.expired() ? nullptr : db; }
     /// The base view, null for none; good while this view has it.
     [[nodiscard]] ODBViewRep* baseView() const noexcept { return base; }
-    /// The base view, else the table, else null.
+    /// The base view, else the table, else null; null also once the table was destroyed.
     [[nodiscard]] ODBBase* source() const noexcept;
     /// Empties the index and frees it, tags included. Tells nobody.
     void clear();
@@ -139,8 +139,9 @@ public:
     [[nodiscard]] int sourceRow(int i) const noexcept;
     /// The first position that shows a source row; -1 for none. Linear.
     [[nodiscard]] int findViewIndexForBaseRow(unsigned long row) const;
-    /// The number of entries; after `sizeIndexFor(0)` more than the capacity holds.
-    [[nodiscard]] int count() const noexcept { return index.numIndex(); }
+    /// The number of entries, 0 without a source; after `sizeIndexFor(0)` more than the capacity
+    /// holds.
+    [[nodiscard]] int count() const noexcept { return source() ? index.numIndex() : 0; }
     /// The number of entries that there is storage for.
     [[nodiscard]] int capacity() const noexcept { return index.indexSize(); }
     /// How many handles and views built on this one hold it.

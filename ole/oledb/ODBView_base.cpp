@@ -36,7 +36,7 @@ int ODBViewRep::add_records(int n) {
 }
 
 unsigned ODBViewRep::get_num_records() const {
-    return static_cast<unsigned>(index.numIndex());
+    return static_cast<unsigned>(count());
 }
 
 dbrecord* ODBViewRep::get_record(unsigned i) const {
@@ -48,7 +48,7 @@ dbrecord* ODBViewRep::make_dummy_record() {
 }
 
 int ODBViewRep::set_tag(unsigned i, int v) {
-    if (!isPosition(static_cast<int>(i))) {
+    if (!source() || !isPosition(static_cast<int>(i))) {
         return 0;
     }
     index[static_cast<int>(i)].tag = v != 0 ? 1 : 0;

@@ -22,7 +22,7 @@
 // -- removal --
 
 void ODBViewRep::remove(int from, int n) {
-    if (from < 0 || from >= index.numIndex() || n < 0) {
+    if (from < 0 || from >= count() || n < 0) {
         return;
     }
     issueNotification(takeOut(from, std::min(n, index.numIndex() - from)), recordsDeletedType());

@@ -39,7 +39,7 @@ int ODBViewRep::countTags() const {
 }
 
 bool ODBViewRep::tag(int i) {
-    return isPosition(i) && index[i].tag != 0;
+    return source() && isPosition(i) && index[i].tag != 0;
 }
 
 bool ODBViewRep::notTagged(int i) {

@@ -97,12 +97,19 @@ TEST(ViewLife, TheTableDiesFirst) {
     EXPECT_EQ(sibling->deleteRecords(0, 3) + sibling->insertBlankRecords(0, 1), 0);
     EXPECT_EQ(sibling->saveAsText(L"/dev/null", false), 0);
     EXPECT_EQ(sibling->newTagSubview(), nullptr);
-    sibling->displayAllRecords();
-    EXPECT_EQ(sibling->count(), 3) << "what shows nothing is not filled again";
-    EXPECT_EQ((*view)[0], nullptr) << "nor through a base view";
-    EXPECT_EQ(view->deleteRecords(0, 3), 3);
-    EXPECT_EQ(view->get_num_fields(), 0U);
-    view->sort(1, 0);
+    for (const ODBView& left : {sibling, view}) {
+        left->displayAllRecords();
+        EXPECT_EQ(left->get_num_records(), 0U);
+        EXPECT_EQ((*left)[0], nullptr);
+        EXPECT_EQ(left->set_tag(0, 1) + left->get_tag(0), 0);
+        EXPECT_EQ(left->findViewIndexForBaseRow(1), -1);
+        EXPECT_EQ(left->deleteRecords(0, 3) + left->add_records(2) + left->removeTagged(), 0);
+        EXPECT_EQ(left->get_num_records() + left->get_num_fields(), 0U);
+        EXPECT_EQ(left->tag_all_different(0), 0) << "and prints nothing";
+        left->remove(0, 1);
+        left->sort(1, 0);
+    }
+    EXPECT_STREQ(sibling->fieldSpecText(), "id") << "what is the view's own stays";
     table = numberedTable(2);
     sibling->odb(table.get());
     EXPECT_EQ(sibling->count(), 0)

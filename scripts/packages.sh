@@ -82,7 +82,8 @@ depends_can_be_had() {
 files_are_in_place() {
   local file
   for file in usr/share/man/man1/olelog.1.gz usr/share/bash-completion/completions/olelog \
-    usr/share/zsh/site-functions/_olelog usr/share/doc/{libole14,libtarn14,libole-dev,olelog}/{copyright,changelog.Debian.gz}; do
+    usr/share/zsh/site-functions/_olelog usr/share/doc/libole-dev/{docs/embedding.md,examples/first_table.cpp,samples/day-12.ale} \
+    usr/share/doc/{libole14,libtarn14,libole-dev,olelog}/{copyright,changelog.Debian.gz}; do
     [ -s "$all/$file" ] || { echo "missing: $file"; return 1; }
   done
   ! find "$all" -xtype l | grep .

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs a build, moves the installed tree, and lets three outside projects use it as hosts do:
 # with find_package, with pkg-config, and with the sources as a part of the host, on its own platform.
-# Each builds and runs day.cpp. The installed headers compile alone, and the moved tool runs.
+# Each builds and runs day.cpp. The installed headers compile alone, the moved tool runs, and the installed guide
+# is enough: its links lead somewhere, and its command builds its own program and an example.
 #
 # usage: tests/consumer/run.sh [BUILD]     default: build/release, which must be built
 #
@@ -14,6 +15,7 @@ root=$PWD
 build=${1-build/release}
 work=$root/build/consumer
 prefix=$work/moved/ole
+documents=$prefix/share/doc/ole
 
 install_and_move() {
   rm -rf "$work/installed" "$work/moved" &&
@@ -56,6 +58,28 @@ pkg_config() {
     LD_LIBRARY_PATH=$folder/.. "$here/day" "$here/day.odb"
 }
 
+links_lead_somewhere() {
+  local page target status=0
+  for page in "$documents"/docs/*.md; do
+    for target in $(grep -oP '\]\(\K[\w./-]+\.(md|cpp)(?=[)#])' "$page"); do
+      [ -s "$documents/docs/$target" ] || { echo "$page: $target is missing"; status=1; }
+    done
+  done
+  return "$status"
+}
+
+guide_is_enough() {
+  local here=$work/guide guide=$documents/docs/embedding.md command
+  command=$(grep '^c++ .*pkg-config' "$guide") || return 1
+  rm -rf "$here" && mkdir -p "$here" && cp "$documents/examples/first_table.cpp" "$here" &&
+    python3 tests/examples/snippets.py "$guide" "$here/my_editor.cpp" && cd "$here" || return 1
+  PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name ole.pc)")
+  export PKG_CONFIG_PATH
+  bash -c "$command -Wall -Wextra -Wpedantic -Werror" &&
+    bash -c "${command//my_editor/first_table}" &&
+    ./my_editor "$documents/samples/day-12.ale" && ./first_table "$documents/samples/day-12.ale"
+}
+
 # The module is compiled as it was for build/release, and from a folder beside it, so that ccache has
 # its objects.
 add_subdirectory() {
@@ -81,5 +105,7 @@ for compiler in g++ clang++; do
 done
 check find_package
 check pkg_config
+check links_lead_somewhere
+check guide_is_enough
 check add_subdirectory
 exit $status

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Makes a program of the C++ that a page shows, so that it is compiled, and runs.
 
-Blocks that begin with an include or a class stand in the program as they are; each other one
+Includes, classes and static functions stand in the program as they are: it has no others. The other
+blocks of the section "A first program" are one function together, in their order; each further one
 becomes a function that gets a table and a view of all its rows.
 
 usage: snippets.py PAGE.md OUT.cpp
@@ -9,26 +10,6 @@ usage: snippets.py PAGE.md OUT.cpp
 
 import re
 import sys
-
-HEAD = """\
-#include "misc/CurrentProject.h"
-#include "misc/diagnostics.h"
-#include "misc/SystemWatchdog.h"
-#include "ole/interchange/ALE.h"
-#include "ole/interchange/CSV.h"
-#include "ole/interchange/ODBFieldView.h"
-#include "ole/oledb/messageTypes.h"
-#include "ole/oledb/ODBViewCursor.h"
-#include "ole/oledb/oledb.h"
-#include "ole/oledb/TarnContainerFile.h"
-#include "tarn/NotifyMsgTokenIterator.h"
-#include "tarn/TextFile.h"
-#include <cstdio>
-#include <limits>
-#include <memory>
-#pragma GCC diagnostic ignored "-Wunused-variable"
-#pragma GCC diagnostic ignored "-Wunused-but-set-variable"
-"""
 
 MAIN = """\
 void onNewTable(void (*shown)(oledb&, const ODBView&)) {
@@ -46,27 +27,38 @@ void onNewTable(void (*shown)(oledb&, const ODBView&)) {
 """
 
 
+FIRST = "## A first program"
+AS_IT_IS = r"(///.*\n)*(#include|class |struct |static )"
+
+
 def blocks(page):
-    """Line number and text of each C++ block."""
+    """Line number, section and text of each C++ block."""
     with open(page, encoding="utf-8") as file:
         text = file.read()
     for found in re.finditer(r"^```cpp\n(.*?)^```$", text, re.DOTALL | re.MULTILINE):
-        yield text.count("\n", 0, found.start(1)) + 1, found.group(1)
+        before = text[: found.start(1)]
+        section = re.findall(r"^## .*", before, re.MULTILINE)[-1]
+        yield before.count("\n") + 1, section, found.group(1)
 
 
 def main(page, out):
-    code, calls = [HEAD], []
-    for line, block in blocks(page):
+    top, first, rest, calls = [], [], [], []
+    for line, section, block in blocks(page):
         placed = f'#line {line} "{page}"\n{block}'
-        if re.match(r"#include|class |struct ", block):
-            code.append(placed)
-            continue
-        calls.append(f"    onNewTable(shown{line});\n")
-        code.append(f"static void shown{line}([[maybe_unused]] oledb& table, [[maybe_unused]] const ODBView& view) {{\n{placed}}}\n")
-    assert calls, f"{page} shows no code"
-    code += [f'#line 1 "{out}"\nstatic ', MAIN, "int main() {\n", *calls, "}\n"]
+        if re.match(AS_IT_IS, block):
+            top.append(placed)
+        elif section == FIRST:
+            first.append(placed)
+        else:
+            calls.append(f"    onNewTable(shown{line});\n")
+            rest.append(f"static void shown{line}([[maybe_unused]] oledb& table, [[maybe_unused]] const ODBView& view) {{\n{placed}}}\n")
+    assert first and calls, f"{page} shows too little code"
     with open(out, "w", encoding="utf-8") as file:
-        file.write("".join(code))
+        file.write("".join(top))
+        file.write("".join(["static int firstProgram(int argc, char** argv) {\n", *first, "}\n", *rest]))
+        file.write(f'#line 1 "{out}"\nstatic {MAIN}')
+        file.write("int main(int argc, char** argv) {\n    const int status = firstProgram(argc, argv);\n")
+        file.write("".join([*calls, "    return status;\n}\n"]))
 
 
 if __name__ == "__main__":

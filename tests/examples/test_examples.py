@@ -45,6 +45,15 @@ def test_programs_do_what_the_page_shows(page, tmp_path):
     assert said == shown
 
 
+def test_the_first_program_of_the_guide(tmp_path):
+    (shown,) = [b for b in blocks("docs/embedding.md", "") if b.startswith("$ ./my_editor ")]
+    (tmp_path / "my_editor").symlink_to(os.path.abspath(os.path.join(PROGRAMS, "embedding")))
+    command, said = shown[2:].split("\n", 1)
+    done = run(command, tmp_path)
+    assert (done.returncode, done.stdout[: len(said)]) == (0, said)
+    assert "not saved\n" in done.stdout[len(said) :], "an empty table that could not be written"
+
+
 @pytest.mark.parametrize(
     "command, code, told",
     [

@@ -61,14 +61,14 @@ pkg_config() {
 links_lead_somewhere() {
   local page target status=0
   for page in "$documents"/docs/*.md; do
-    for target in $(grep -oP '\]\(\K[\w./-]+\.(md|cpp)(?=[)#])' "$page"); do
+    while read -r target; do
       [ -s "$documents/docs/$target" ] || { echo "$page: $target is missing"; status=1; }
-    done
+    done < <(grep -oP '\]\(\K[\w./-]+\.(md|cpp)(?=[)#])' "$page")
   done
   return "$status"
 }
 
-guide_is_enough() {
+guide_is_enough() (
   local here=$work/guide guide=$documents/docs/embedding.md command
   command=$(grep '^c++ .*pkg-config' "$guide") || return 1
   rm -rf "$here" && mkdir -p "$here" && cp "$documents/examples/first_table.cpp" "$here" &&
@@ -78,7 +78,7 @@ guide_is_enough() {
   bash -c "$command -Wall -Wextra -Wpedantic -Werror" &&
     bash -c "${command//my_editor/first_table}" &&
     ./my_editor "$documents/samples/day-12.ale" && ./first_table "$documents/samples/day-12.ale"
-}
+)
 
 # The module is compiled as it was for build/release, and from a folder beside it, so that ccache has
 # its objects.

@@ -94,7 +94,8 @@ def test_own_cookie(tmp_path):
         (["add", "c.sg"], "nothing to add"),
         (["remove", "c.sg"], "nothing to remove"),
         (["remove", "c.sg", "rubbish"], '"rubbish" is no cookie'),
-        (["remove", "c.sg", "--from", "c.sg", "--sort", "Scene"], 'no field "Scene"'),
+        (["remove", "c.sg", "--from", "c.sg", "--all", "--sort", "Scene"], 'no field "Scene"'),
+        (["remove", "c.sg", "--from", "c.sg", "--sort", "n"], "which rows?"),
         (["add", "c.sg", short(1)[:-1]], "is no cookie"),
         (["add", "c.sg", cookie(9), "--where", "Scene=1"], "--where requires --from"),
         (["add", "c.sg", "--from", "c.sg", "--sort", "Scene"], 'no field "Scene"'),
@@ -140,12 +141,12 @@ def test_remove(container):
     # The items of a table's rows, and nothing where none is left to go.
     table = write_table(container.parent / "t.odb", ["Name", "Cookie"], [["a", cookie(2)], ["b", cookie(3)]])
     expect(0, "container", "remove", container, "--from", table, "--where", "Name=a")
-    said = expect(1, "container", "remove", container, "--from", table)
+    said = expect(1, "container", "remove", container, "--from", table, "--all")
     assert f"{cookie(2)} (a), {cookie(3)} (b)" in said and "nothing was removed" in said
     assert {item["Cookie"] for item in listing(container)} == {cookie(0)}
     expect(0, "container", "remove", container, cookie(0))
     assert listing(container) == [] and info(container)["kind"] == "container"
-    expect(3, "container", "remove", container, "--from", write_table(container.parent / "u.odb", ["Cookie"], [[""]]))
+    expect(3, "container", "remove", container, "--all", "--from", write_table(container.parent / "u.odb", ["Cookie"], [[""]]))
     assert leftovers(container.parent) == []
 
 

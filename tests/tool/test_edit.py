@@ -159,7 +159,7 @@ def test_files_are_replaced_whole_or_left_alone(tmp_path, table, command):
 def test_what_people_put_there_is_not_replaced_by_mistake(tmp_path):
     """A container, and tags or identifiers of another table; a plain table is, and that is told."""
     log = write_log(tmp_path / "a.ale", ["Name"], [["A"], ["B"]])
-    source = write_table(tmp_path / "s.odb", ["Name"], [["b"], ["a"]])
+    source = write_table(tmp_path / "s.odb", ["Name"], [["B"], ["A"]])
     write_table(tmp_path / "other.odb", ["Name"], [["c"]])
     columns, named = ["Cookie", "Name", "Tag"], ["OLEDB:Rev 1", "Name:K"]
     plain = table_text(columns, [["", "A", "0"], ["", "B", ""]])
@@ -178,13 +178,53 @@ def test_what_people_put_there_is_not_replaced_by_mistake(tmp_path):
         written = out.read_bytes()
         for told, text in kept.items():
             out.write_bytes(text)
-            assert f"{told}, which would go; --in-place allows that" in expect(2, *command, "-o", out)
+            said = expect(2, *command, "-o", out)
+            assert f"{told}, which would go; " in said and "--in-place allows that" in said
+            assert ("--append" in said) == (command[0] == "import" and "container" not in told)
             assert out.read_bytes() == text
             expect(0, *command, "-o", out, "--in-place")
             assert out.read_bytes() == written
     out.write_bytes(container := next(iter(kept.values())))
     for command in [["import", log, "--append", "-o", out], *(call(out, c) for c in COMMANDS[:3]), ["merge", out, source]]:
         assert "is a container" in expect(2, *command, cwd=tmp_path) and out.read_bytes() == container
+
+
+def test_another_table_is_not_replaced_by_mistake(tmp_path):
+    """Its rows would go; the same rows in another order, or with more values, are replaced."""
+    day = write_table(tmp_path / "day.odb", ["Name", "Notes"], [["b", ""], ["a", "old"]])
+    other = write_table(tmp_path / "other.odb", ["Name", "Notes"], [["a", "new"], ["c", "x"]])
+    before = other.read_bytes()
+    for words in (["sort", day, "--by", "Name"], ["save", day], ["merge", day, other, "--by", "Name"], ["dedupe", day, "--by", "Name"]):
+        said = expect(2, *words, "-o", other)
+        assert "not among the new ones and would go; --in-place" in said and other.read_bytes() == before
+    expect(0, "sort", day, "--by", "Name", "-o", tmp_path / "new.odb")
+    expect(0, "sort", day, "--by", "Notes", "-o", tmp_path / "new.odb")
+    assert leftovers(tmp_path) == []
+
+
+def test_backup(tmp_path):
+    table = write_table(tmp_path / "t.odb", ["Name"], [["b"], ["a"]])
+    first = table.read_bytes()
+    expect(0, "sort", table, "--by", "Name", "--backup", "--dry-run")
+    assert [path.name for path in tmp_path.iterdir()] == ["t.odb"]
+    expect(0, "sort", table, "--by", "Name", "--backup")
+    second = table.read_bytes()
+    assert (tmp_path / "t.odb~").read_bytes() == first != second
+    expect(0, "sort", table, "--by", "Name", "--backup")  # nothing changes, and the backup stays
+    assert (tmp_path / "t.odb~").read_bytes() == first
+    (tmp_path / "t.odb~").unlink()
+    (tmp_path / "t.odb~").mkdir()
+    said = expect(3, "sort", table, "--by", "Name", "--descending", "--backup")
+    assert "the backup cannot be written" in said and table.read_bytes() == second
+
+
+def test_a_key_of_several_rows_is_told(tmp_path):
+    table = write_table(tmp_path / "t.odb", ["Name", "Scene", "Notes"], [["A1", "1", ""], ["B1", "1", ""], ["A2", "2", ""]])
+    other = write_table(tmp_path / "o.odb", ["Name", "Scene", "Notes"], [["A1", "1", "print"], ["A2", "2", "no good"]])
+    said = expect(1, "merge", table, other, "--by", "Scene", "--dry-run")
+    assert f'row 1, "A1" of {other} matches 2 rows: row 1, "A1", row 2, "B1"' in said and said.count("matches 2") == 1
+    said = expect(0, "merge", table, other, "--by", "Scene,Name")
+    assert 'row 1, "A1": Notes: "print" filled in' in said and "matches 2" not in said
 
 
 def test_rows_that_are_added_again_are_named(tmp_path):

@@ -141,6 +141,12 @@ def test_what_makes_no_sense(tmp_path, table, words, told):
     assert table.read_bytes() == before and os.listdir(tmp_path) == ["t.odb"]
 
 
+def test_bytes_that_are_no_utf8_are_told(tmp_path):
+    table = write_table(tmp_path / "t.odb", ["Name"], [["caf\udce9"], ["caf\u00e9"]])
+    said = expect(1, "export", table, "-o", tmp_path / "t.csv", "--bom")
+    assert said.startswith("olelog: 1 text with bytes that are no UTF-8") and b"caf\xe9\r\n" in (tmp_path / "t.csv").read_bytes()
+
+
 def test_a_log_is_not_replaced_by_mistake(tmp_path, table):
     """Whatever its encoding and its line ends; an export that stands there is."""
     log, words = tmp_path / "a.ale", ["export", table, "--format", "json", "-o"]

@@ -24,6 +24,24 @@ from olelog import (
 START_END = ["01:00:00:00", "01:00:10:00"]
 
 
+def test_columns_without_any_field_make_empty_rows(tmp_path):
+    """As those of a log whose columns stand between commas."""
+    log = write_log(tmp_path / "a.ale", ["Name,Start"], [["x,01:00:00:00"]])
+    assert "between tabs, not commas" in expect(1, "import", log, "-o", tmp_path / "a.odb")
+    expect(3, "import", log, "-o", tmp_path / "b.odb", "--strict")
+    own = write_log(tmp_path / "o.ale", ["Lens", "Filter"], [["50", "ND"]])
+    assert f"{own}:7: the table has no field" in expect(1, "import", own, "-o", tmp_path / "o.odb", "-q")
+    expect(0, "import", own, "-o", tmp_path / "p.odb", "--all-columns")
+
+
+def test_rows_without_identifier_among_identified_ones_are_told(tmp_path):
+    log = write_log(tmp_path / "a.ale", ["Name"], [["a"], ["b"]])
+    late = write_log(tmp_path / "b.ale", ["Name"], [["c"]])
+    expect(0, "import", log, "-o", tmp_path / "t.odb", "--identify")
+    said = expect(0, "import", late, "-o", tmp_path / "t.odb", "--append")
+    assert "1 of 3 rows are without an identifier; olelog identify gives them one" in said
+
+
 def test_log_becomes_table_that_info_and_show_agree_on(tmp_path):
     log = write_log(
         tmp_path / "a.ale",

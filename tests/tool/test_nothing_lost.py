@@ -123,7 +123,7 @@ def test_import_replaces_no_row_that_the_logs_do_not_bring_back(tmp_path):
     assert "replaced " in expect(0, "import", log, "-o", table)
     expect(0, "import", log, "-o", table, "--all-columns")
     before = table.read_bytes()
-    assert "holds 2 rows, 2 of which are not among those of the logs" in expect(2, "import", log, "-o", table)
+    assert "holds 2 rows, 2 of which are not among the new ones" in expect(2, "import", log, "-o", table)
     write_log(log, ["Name", "Lens"], [["B", ""], ["C", ""]])
     assert "1 of which is not" not in expect(2, "import", log, "-o", table, "--all-columns") and table.read_bytes() == before
     assert "which held 2 rows" in expect(0, "import", log, "-o", table, "--in-place") and [r["Name"] for r in csv_rows(table)] == ["B", "C"]

@@ -104,10 +104,13 @@ private:
         } else if (words_.data == 0 || words_.column == 0) {
             refuseWithoutWords();
         } else if (isEssentiallyEmpty(line(words_.column + 1))) {
-            refuse("blank-names", words_.column + 1,
-                   fmt::format("line {}, behind \"Column\", is blank where the column names should "
-                               "stand; without that blank line the log can be taken",
-                               words_.column + 1));
+            refuse(
+                "blank-names", words_.column + 1,
+                fmt::format(
+                    "line {}, behind \"Column\", is blank where the column names should "
+                    "stand; without that blank line the log can be taken, and olelog check --fix "
+                    "takes it away",
+                    words_.column + 1));
         } else if (words_.column + 1 == words_.data &&
                    Tarn::trimmed(line(words_.data)) == dataWord) {
             refuse("no-names", words_.data,
@@ -142,7 +145,9 @@ private:
         const std::string hint =
             near == 0 ? "" : fmt::format("; line {} reads {}", near, inQuotes(line(near)));
         refuse("section-word", near != 0 ? near : std::max(words_.data, 1U),
-               fmt::format("no line{} begins with \"{}\"{}", where, word, hint));
+               fmt::format("no line{} begins with \"{}\"{}", where, word,
+                           near != 0 ? hint + ", and olelog check --fix spells it so"
+                                     : "; it is no ALE log, or one that is cut short"));
     }
 
     [[nodiscard]] bool hasLoneCarriageReturns() const {

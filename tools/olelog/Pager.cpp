@@ -35,12 +35,24 @@ bool isInstalled(const std::string& program) {
     return false;
 }
 
-/// The command to run; "" where there is none.
+/// The command to run; "" where there is none. Says so where the one that is wanted is not there.
 std::string pagerCommand() {
-    if (const char* const wanted = std::getenv("PAGER")) {
-        return std::string_view{wanted} == "cat" ? "" : wanted;
+    const char* const wanted = std::getenv("PAGER");
+    if (!wanted) {
+        return isInstalled("less") ? "less" : "";
     }
-    return isInstalled("less") ? "less" : "";
+    std::string command{wanted};
+    const std::string program = command.substr(0, command.find(' '));
+    if (command.empty() || command == "cat") {
+        return {};
+    }
+    const bool isName = program.find_first_of("/\"'$;|&(") == std::string::npos;
+    if (isName && !isInstalled(program)) {
+        say("there is no pager {}; PAGER names another one, --no-pager does without",
+            inQuotes(program));
+        return {};
+    }
+    return command;
 }
 
 /// Runs a command that reads from `input`; 0 where it cannot be started.

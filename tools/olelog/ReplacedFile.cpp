@@ -6,6 +6,8 @@
 #include "ContainerTable.h"
 #include "messages.h"
 #include "ole/oledb/oledb.h"
+#include "Progress.h"
+#include "repeatedRows.h"
 #include "tableFile.h"
 #include "tableValues.h"
 #include "tarn/numbers.h"
@@ -52,27 +54,44 @@ void ReplacedFile::look() {
 
 std::string ReplacedFile::whyKept() const {
     if (kind_ == Kind::Foreign) {
-        return "exists and is no table; --in-place allows to replace it";
+        return "exists and is no table";
     }
     if (kind_ == Kind::Container) {
-        return fmt::format("is a container with {}, which would go; --in-place allows that",
-                           counted(rows_, "item"));
+        return fmt::format("is a container with {}, which would go", counted(rows_, "item"));
     }
     if (tagged_ == 0 && identified_ == 0) {
         return {};
     }
-    return fmt::format("holds {}{}{}, which would go; --in-place allows that",
+    return fmt::format("holds {}{}{}, which would go",
                        tagged_ == 0 ? "" : counted(tagged_, "tagged row"),
                        tagged_ == 0 || identified_ == 0 ? "" : " and ",
                        identified_ == 0 ? "" : counted(identified_, "identifier"));
 }
 
-bool ReplacedFile::standsInTheWay(bool inPlace) const {
+bool ReplacedFile::standsInTheWay(bool inPlace, std::string_view otherWay) const {
     const std::string why = inPlace ? "" : whyKept();
     if (!why.empty()) {
-        say("{} {}", target_, why);
+        say("{} {}; {}--in-place allows {}", target_, why, isTable() ? otherWay : "",
+            kind_ == Kind::Foreign ? "to replace it" : "that");
     }
     return !why.empty();
+}
+
+bool ReplacedFile::losesRowsTo(oledb& replacement, bool inPlace, std::string_view otherWay) const {
+    if (inPlace || !isTable()) {
+        return false;
+    }
+    const Progress progress{"comparing with " + target_};
+    const std::unique_ptr<oledb> old = loadTableQuietly(target_);
+    const unsigned missing = countMissing({*old, 0, old->get_num_records()},
+                                          {replacement, 0, replacement.get_num_records()});
+    if (missing != 0) {
+        say("{} holds {}, {} of which {} not among the new ones and would go; {}--in-place allows "
+            "to replace it",
+            target_, counted(old->get_num_records(), "row"), missing, missing == 1 ? "is" : "are",
+            otherWay);
+    }
+    return missing != 0;
 }
 
 void ReplacedFile::tell() const {

@@ -2,6 +2,9 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
+
+class oledb;
 
 /// What stands where a command is to write a table. It is looked at before: what people put there
 /// by hand (items of a container, tags, identifiers) goes only where that is asked for.
@@ -11,8 +14,12 @@ public:
     explicit ReplacedFile(std::string target);
 
     /// Whether a table would take the place of what should stay, unless --in-place is given; says
-    /// so.
-    [[nodiscard]] bool standsInTheWay(bool inPlace) const;
+    /// so, with the other way that a person has where a table is there.
+    [[nodiscard]] bool standsInTheWay(bool inPlace, std::string_view otherWay = {}) const;
+    /// Whether the table that is there holds rows that are not among those of the new one, and
+    /// would go; says so, with the other way that a person has. Never with --in-place.
+    [[nodiscard]] bool losesRowsTo(oledb& replacement, bool inPlace,
+                                   std::string_view otherWay = {}) const;
     [[nodiscard]] bool isContainer() const { return kind_ == Kind::Container; }
     [[nodiscard]] bool isTable() const { return kind_ == Kind::Table; }
     /// Says what was replaced, where it held anything.

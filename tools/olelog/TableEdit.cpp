@@ -12,7 +12,9 @@
 #include "tableFile.h"
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 namespace {
 
@@ -41,9 +43,31 @@ int save(oledb& table, const EditOptions& options, const SaveTarget& place) {
     return saveChecked(table, place, {}, {.strict = options.strict, .dryRun = options.dryRun});
 }
 
+/// Keeps the table that is there beside it; false, saying why, where that cannot be done.
+bool keepBackup(const SaveTarget& place) {
+    std::error_code failed;
+    if (!std::filesystem::is_regular_file(place.name(), failed)) {
+        return true;
+    }
+    const std::string backup = place.name() + "~";
+    std::filesystem::copy_file(place.name(), backup,
+                               std::filesystem::copy_options::overwrite_existing, failed);
+    if (failed) {
+        say("{}: the backup cannot be written: {}; nothing was changed", backup,
+            reasonText(failed.value()));
+    }
+    return !failed;
+}
+
 int finish(oledb& table, const EditOptions& options, const SaveTarget& place,
-           const EditOutcome& outcome) {
+           const ReplacedFile& replaced, const EditOutcome& outcome) {
     const bool alone = leavesFileAlone(options, outcome);
+    if (replaced.losesRowsTo(table, options.inPlace)) {
+        return exitUsage;
+    }
+    if (!alone && options.backup && !options.dryRun && !keepBackup(place)) {
+        return exitFailure;
+    }
     const int code = alone ? exitFine : save(table, options, place);
     if (code == exitFailure) {
         return code;
@@ -73,9 +97,11 @@ void addEditOptions(CLI::App& command, EditOptions& options) {
                     "Write the result here and leave TABLE as it is; - is standard output")
         ->type_name("OUT");
     command.add_flag("--dry-run", options.dryRun, "Tell what would change, and change nothing");
+    command.add_flag("--backup", options.backup,
+                     "Keep the table that is replaced beside it, as TABLE~");
     command.add_flag("--in-place", options.inPlace,
                      "Allow OUT to replace a file that is no table, a container, or a table with "
-                     "tags or identifiers");
+                     "tags, identifiers or other rows");
     addStrictOption(command, options.strict);
 }
 
@@ -108,8 +134,8 @@ int runEdit(const EditOptions& options, const Edit& edit) {
     if (stops(outcome)) {
         return outcome.code;
     }
-    const int code = finish(*loaded.table, options, place, outcome);
-    if (code != exitFailure && !options.dryRun) {
+    const int code = finish(*loaded.table, options, place, target, outcome);
+    if (code != exitFailure && code != exitUsage && !options.dryRun) {
         target.tell();
     }
     return code == exitFine && !loaded.whole ? exitFindings : code;

@@ -15,6 +15,7 @@ class oledb;
 struct EditOptions {
     std::string file;
     std::string output; ///< empty: the file itself
+    bool backup = false;
     bool dryRun = false;
     bool strict = false;
     bool inPlace = false; ///< whether `output` may replace what should stay

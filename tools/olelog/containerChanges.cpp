@@ -132,5 +132,9 @@ int addToContainer(const ContainerChange& asked) {
 }
 
 int removeFromContainer(const ContainerChange& asked) {
+    if (!asked.items.from.empty() && !asked.all && !asked.items.selection.narrows()) {
+        sayLine("which rows? --where FIELD=PATTERN names them, --all takes every row of the table");
+        return exitUsage;
+    }
     return runChange(asked, removing);
 }

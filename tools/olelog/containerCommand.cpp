@@ -86,6 +86,7 @@ void addRemove(CLI::App& container, Task& task) {
     CLI::App* const command = addSubcommand(
         container, task, "remove", "Remove items from a container", options, removeFromContainer);
     addItemSource(*command, options->items, "Remove the items of a table's rows");
+    command->add_flag("--all", options->all, "Remove the items of all rows of the table");
     addDryRun(*command, options->dryRun);
     command->footer(
         "Example:\n"

@@ -156,7 +156,7 @@ std::string asJson(const ContainerFacts& facts) {
 
 std::string cookieLine(const ContainerFacts& facts) {
     if (!facts.cookie.valid()) {
-        return "own cookie: none, for its file name spells none\n";
+        return "own cookie: none, for the file is not named by one\n";
     }
     const bool endingTellsMore = facts.cookie != facts.cookieFromFilename;
     return fmt::format("own cookie: {}{}\n", longText(facts.cookie),

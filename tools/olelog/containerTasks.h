@@ -29,6 +29,7 @@ struct ContainerCreation {
 struct ContainerChange {
     std::string container;
     ItemSource items;
+    bool all = false; ///< all rows of a table are meant, where none are chosen
     bool dryRun = false;
 };
 

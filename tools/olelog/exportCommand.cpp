@@ -13,7 +13,9 @@
 #include "ReplacedFile.h"
 #include "SaveTarget.h"
 #include "selection.h"
+#include "shownText.h"
 #include "tableFile.h"
+#include "tableValues.h"
 #include "tarn/StringFunctions.h"
 
 #include <cerrno>
@@ -164,6 +166,7 @@ private:
             tellReplaced(printJson(*selection.rows, selection.columns, out));
         } else {
             tellGuarded(printCsv(*selection.rows, selection.columns, out, options_.style));
+            tellForeignBytes(selection);
         }
         int error = out.end();
         if (error == 0 && fsync(file.file()) != 0) {
@@ -171,6 +174,26 @@ private:
         }
         file.close();
         return error;
+    }
+
+    /// A CSV text keeps the bytes as they are.
+    void tellForeignBytes(const Selection& selection) {
+        const std::size_t texts = countForeign(selection);
+        if (texts != 0) {
+            say("{} with bytes that are no UTF-8; olelog check --fix converts those of a log",
+                counted(texts, "text"));
+            findings_ = true;
+        }
+    }
+
+    static std::size_t countForeign(const Selection& selection) {
+        std::size_t texts = 0;
+        for (int row = 0; row < selection.rows->count(); ++row) {
+            for (const unsigned col : selection.columns) {
+                texts += isUtf8(valueOf(*selection.rows, static_cast<unsigned>(row), col)) ? 0 : 1;
+            }
+        }
+        return texts;
     }
 
     void tellReplaced(std::size_t texts) {

@@ -15,11 +15,11 @@
 #include "ole/interchange/ALE.h"
 #include "ole/oledb/oledb.h"
 #include "Progress.h"
-#include "repeatedRows.h"
 #include "ReplacedFile.h"
 #include "SaveTarget.h"
 #include "standardFields.h"
 #include "tableFile.h"
+#include "tableValues.h"
 #include "takenLog.h"
 
 #include <algorithm>
@@ -28,11 +28,14 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <utility>
 #include <vector>
 
 namespace {
+
+constexpr std::string_view appendWay = "--append adds to it, ";
 
 struct ImportOptions {
     std::vector<std::string> logs;
@@ -66,7 +69,7 @@ bool usageMakesSense(const ImportOptions& options) {
 /// Whether rows of logs would go where they should not; says so.
 bool isKept(const ReplacedFile& target, const ImportOptions& options) {
     if (!options.append) {
-        return target.standsInTheWay(options.inPlace);
+        return target.standsInTheWay(options.inPlace, appendWay);
     }
     if (target.isContainer() && !options.inPlace) {
         say("{} is a container, and rows of logs are no items; --in-place allows to append them",
@@ -98,7 +101,7 @@ public:
         if (options_.strict && (cut_ || columnsChanged)) {
             return refuseLoss(options_.output);
         }
-        if (wouldLoseRows()) {
+        if (!appending_ && target_.losesRowsTo(*table_, options_.inPlace, appendWay)) {
             return exitUsage;
         }
         if (options_.identify) {
@@ -193,12 +196,14 @@ private:
         }
         columns_.fill(taken);
         origins_.add(taken.firstRow, log.file.name(), report.rowLines);
-        const std::string summary = summaryOf(log.head, report, columns_.droppedOf(report),
-                                              options_.allColumns ? "without room" : "dropped");
-        const LogFindings found =
-            tellOf(taken, summary, before, appending_ ? "the table" : "another log");
-        cut_ = cut_ || found.cut;
-        findings_ = findings_ || found.cut || found.repeated;
+        const std::vector<std::string> dropped = columns_.droppedOf(report);
+        const std::string summary =
+            summaryOf(log.head, report, dropped, options_.allColumns ? "without room" : "dropped");
+        const LogFindings found = tellOf(taken, summary, !dropped.empty(), before,
+                                         appending_ ? "the table" : "another log");
+        const bool empty = dropped.size() == report.columns.size() && tellNoField(log);
+        cut_ = cut_ || found.cut || empty;
+        findings_ = findings_ || found.cut || found.repeated || empty;
         if (report.recordsAdded == 0 && !report.skippedLines.empty()) {
             say("{}: cannot be taken: every line has more values than line {} has column names",
                 log.file.name(), log.head.namesLine);
@@ -207,22 +212,15 @@ private:
         return true;
     }
 
-    /// A table that is replaced may hold rows that no log brings back; says how many.
-    [[nodiscard]] bool wouldLoseRows() const {
-        if (appending_ || options_.inPlace || !target_.isTable()) {
-            return false;
-        }
-        const Progress progress{"comparing with " + options_.output};
-        const std::unique_ptr<oledb> old = loadTableQuietly(options_.output);
-        const unsigned missing = countMissing({*old, 0, old->get_num_records()},
-                                              {*table_, 0, table_->get_num_records()});
-        if (missing != 0) {
-            say("{} holds {}, {} of which {} not among those of the logs and would go; --append "
-                "adds to it, --in-place allows to replace it",
-                options_.output, counted(old->get_num_records(), "row"), missing,
-                missing == 1 ? "is" : "are");
-        }
-        return missing != 0;
+    /// Says that the rows of a log hold nothing; returns true.
+    bool tellNoField(const OpenLog& log) const {
+        const std::vector<std::string>& titles = log.head.columns;
+        const bool hasCommas = titles.size() == 1 && titles[0].find(',') != std::string::npos;
+        say("{}:{}: the table has no field for any of these columns, so the rows are empty; {}",
+            log.file.name(), log.head.namesLine,
+            hasCommas ? "the columns of a log stand between tabs, not commas"
+                      : "--all-columns makes a column for each");
+        return true;
     }
 
     int save() {
@@ -230,6 +228,7 @@ private:
         if (code == exitFailure) {
             return code;
         }
+        tellUnidentified();
         if (logs_.size() > 1 || appending_) {
             note("{}: {}, {}", options_.output == "-" ? "standard output" : options_.output,
                  counted(table_->get_num_records(), "row"),
@@ -239,6 +238,17 @@ private:
             target_.tell();
         }
         return findings_ ? exitFindings : code;
+    }
+
+    /// Rows that are added to identified ones, and have no identifier themselves.
+    void tellUnidentified() const {
+        const int col = table_->get_fieldnum("Cookie");
+        const unsigned rows = table_->get_num_records();
+        const unsigned identified = col < 0 ? 0 : countFilled(*table_, static_cast<unsigned>(col));
+        if (identified != 0 && identified != rows) {
+            say("{}: {} of {} without an identifier; olelog identify gives them one",
+                options_.output, rows - identified, counted(rows, "row is", "rows are"));
+        }
     }
 
     const ImportOptions& options_;
@@ -284,7 +294,7 @@ void addImportCommand(CLI::App& app, Task& task) {
     command->add_flag(
         "--in-place", options->inPlace,
         "Allow the table to replace a log, another file that is no table, a container, "
-        "or a table with tags or identifiers");
+        "or a table with tags, identifiers or other rows");
     addStrictOption(*command, options->strict);
     addExample(*command, "olelog import day-12.ale -o day-12.odb");
     command->callback([options, &task] { task = [options] { return runImport(*options); }; });

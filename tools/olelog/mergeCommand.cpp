@@ -33,6 +33,8 @@
 
 namespace {
 
+constexpr std::size_t mostFilledTold = 20;
+
 struct MergeOptions {
     EditOptions edit;
     std::string other;
@@ -75,13 +77,15 @@ public:
         if (!keys_.empty()) {
             fillMatches();
         }
+        ambiguous_.close();
         differences_.close();
         tellKnownCookies();
         const unsigned rows = taken_.get_num_records();
         const int matched = taken_.delete_tagged_records();
         const unsigned added = taken_.get_num_records();
         table_.merge_all_matching(&taken_);
-        const bool lossless = !differences_.any() && !unread_.any() && !repeated && !known_.any();
+        const bool lossless = !differences_.any() && !unread_.any() && !repeated && !known_.any() &&
+                              !ambiguous_.any();
         return {.code = lossless ? exitFine : exitFindings,
                 .changed = added != 0 || filled_ != 0,
                 .summary = fmt::format("of {} in {}, {} {}added, {} matched; {} {}filled in{}{}",
@@ -221,11 +225,27 @@ private:
             const std::string key = rowKey(taken_, from, keys_);
             const auto [first, behind] = rows.equal_range(key);
             taken_.set_tag(from, !key.empty() && first != behind ? 1 : 0);
+            if (!key.empty() && std::distance(first, behind) > 1) {
+                tellAmbiguous(from, first, behind);
+            }
             for (auto match = first; !key.empty() && match != behind; ++match) {
                 fill(match->second, from);
                 noteTag(match->second, from);
             }
         }
+    }
+
+    /// A key that several rows of the table have may put values into takes that they do not belong
+    /// to: which rows these are is told.
+    void tellAmbiguous(unsigned from, Matches::const_iterator first,
+                       Matches::const_iterator behind) {
+        std::vector<std::string> rows;
+        std::transform(first, behind, std::back_inserter(rows),
+                       [this](const auto& match) { return rowAndName(table_, match.second); });
+        ambiguous_.tell(fmt::format("{} of {} matches {} rows: {}; a further field in --by parts "
+                                    "them",
+                                    rowAndName(taken_, from), otherName_, rows.size(),
+                                    fmt::join(rows, ", ")));
     }
 
     /// A row's tag is its table's own, also where it has none.
@@ -251,6 +271,14 @@ private:
         return isNew;
     }
 
+    /// The first values that were filled in, so that a wrong key is noticed.
+    void tellFilled(unsigned row, unsigned col, std::string_view value) {
+        if (filled_ < mostFilledTold) {
+            note("{}: {}: {} filled in", rowAndName(table_, row), table_.get_fieldname(col),
+                 inQuotes(value));
+        }
+    }
+
     void fill(unsigned row, unsigned from) {
         for (const unsigned col : compared_) {
             const std::string_view offered = valueOf(taken_, from, col);
@@ -262,6 +290,7 @@ private:
                 continue;
             }
             if (held.empty()) {
+                tellFilled(row, col, offered);
                 table_.set_field(row, col, offered.data());
                 ++filled_;
                 continue;
@@ -294,6 +323,7 @@ private:
     std::vector<unsigned> compared_;
     Findings differences_;
     Findings unread_;
+    Findings ambiguous_;
     Findings known_; // identifiers that stand in the table and are added again
     int cookieCol_ = -1;
     std::unordered_map<std::string, std::string> cookies_; // the row that has each

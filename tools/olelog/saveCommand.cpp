@@ -80,9 +80,12 @@ void tellLeftOut(const oledb& source, const Selection& selection) {
 }
 
 int saveSelection(oledb& source, const Selection& selection, const SaveTarget& place,
-                  const SaveOptions& options) {
+                  const ReplacedFile& replaced, const SaveOptions& options) {
     const std::unique_ptr<oledb> table = makeTable(source, selection.columns);
     copyRows(selection, *table);
+    if (replaced.losesRowsTo(*table, options.inPlace)) {
+        return exitUsage;
+    }
     return saveChecked(*table, place, {}, {.strict = options.strict});
 }
 
@@ -114,8 +117,8 @@ int runSave(const SaveOptions& options) {
         return exitFindings;
     }
     tellLeftOut(*loaded.table, *selection);
-    const int code = saveSelection(*loaded.table, *selection, place, options);
-    if (code != exitFailure) {
+    const int code = saveSelection(*loaded.table, *selection, place, target, options);
+    if (code != exitFailure && code != exitUsage) {
         target.tell();
     }
     return code == exitFine && !loaded.whole ? exitFindings : code;
@@ -136,7 +139,7 @@ void addSaveCommand(CLI::App& app, Task& task) {
     command->add_flag(
         "--in-place", options->inPlace,
         "Allow the table to replace the one read, a file that is no table, a container, "
-        "or a table with tags or identifiers");
+        "or a table with tags, identifiers or other rows");
     addStrictOption(*command, options->strict);
     addSelectionOptions(*command, options->selection);
     addExample(*command,

@@ -168,13 +168,13 @@ ParametersByName parametersSetBy(const LogHead& head, const oledb& table) {
     return values;
 }
 
-LogFindings tellOf(const TakenLog& taken, const std::string& summary,
+LogFindings tellOf(const TakenLog& taken, const std::string& summary, bool dropped,
                    const ParametersByName& before, std::string_view others) {
     const LogHead& head = taken.log.head;
     const bool cutRows =
         !taken.report.skippedLines.empty() || !head.shiftedLines.empty() || !head.zeroLines.empty();
     const std::string text = fmt::format("{}: {}", taken.log.file.name(), summary);
-    cutRows || !head.oddLines.empty() ? sayLine(text) : noteLine(text);
+    cutRows || dropped || !head.oddLines.empty() ? sayLine(text) : noteLine(text);
     const bool isShort = tellShortRows(taken.log);
     tellDifferingParameters(taken, before);
     const bool noRoom = tellParametersNotTaken(taken);

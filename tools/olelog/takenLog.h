@@ -47,7 +47,8 @@ struct LogFindings {
     bool repeated = false; ///< rows stand in the table twice
 };
 
-/// Says what became of a log: the summary, and what a person should look at. `before` is what
-/// `parametersSetBy` gave, `others` what else the table has rows of.
-LogFindings tellOf(const TakenLog& taken, const std::string& summary,
+/// Says what became of a log: the summary, which is told in any case where columns were dropped,
+/// and what a person should look at. `before` is what `parametersSetBy` gave, `others` what else
+/// the table has rows of.
+LogFindings tellOf(const TakenLog& taken, const std::string& summary, bool dropped,
                    const ParametersByName& before, std::string_view others);

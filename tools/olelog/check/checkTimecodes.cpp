@@ -7,11 +7,13 @@
 #include "misc/time_def.h"
 #include "shownText.h"
 #include "tarn/Ascii.h"
+#include "tarn/numbers.h"
 #include "tarn/StringFunctions.h"
 #include "tarn/trimmed.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <fmt/format.h>
 #include <map>
 #include <optional>
@@ -27,11 +29,27 @@ constexpr int longestOverMidnight = 6 * hour;
 struct Timecode {
     std::string text;
     int place = 0; ///< grows with the time
+    int frames = 0;
+    bool isTimeOfDay = true; ///< hours, minutes and seconds are such
     std::string marks;
 };
 
+/// Frames of a second. Logs of film name its rate beside the timecodes of its video, so none is
+/// taken to be less than that of NTSC.
+int framesOfSecond(const LogHead& head) {
+    constexpr double ntsc = 30;
+    double rate = ntsc;
+    for (const LogHead::Parameter& parameter : head.parameters) {
+        if (parameter.name == "FPS") {
+            rate = std::max(rate, Tarn::parseDouble(parameter.value.c_str()));
+        }
+    }
+    return static_cast<int>(std::ceil(std::min<double>(rate, framesRoom)));
+}
+
 std::optional<Timecode> timecodeOf(std::string_view cell) {
-    Timecode timecode{std::string{Tarn::trimmed(cell)}, 0, {}};
+    Timecode timecode;
+    timecode.text = Tarn::trimmed(cell);
     const time_def time{timecode.text.c_str(), LABEL_TIMECODE};
     if (!time.valid()) {
         return std::nullopt;
@@ -40,6 +58,9 @@ std::optional<Timecode> timecodeOf(std::string_view cell) {
     const int number = std::stoi(digits);
     timecode.place = number / 1000000 * hour + number / 10000 % 100 * (hour / 60) +
                      number / 100 % 100 * framesRoom + number % 100;
+    timecode.frames = number % 100;
+    timecode.isTimeOfDay =
+        number / 1000000 < 24 && number / 10000 % 100 < 60 && number / 100 % 100 < 60;
     std::copy_if(timecode.text.begin(), timecode.text.end(), std::back_inserter(timecode.marks),
                  [](char c) { return !Tarn::isDigit(c); });
     return timecode;
@@ -79,7 +100,8 @@ struct Take {
 
 class TimecodeCheck {
 public:
-    TimecodeCheck(const CheckedLog& log, FindingList& findings) : log_{log}, findings_{findings} {
+    TimecodeCheck(const CheckedLog& log, FindingList& findings)
+        : log_{log}, findings_{findings}, framesOfSecond_{framesOfSecond(log.head())} {
         for (const std::string_view title : cellsOf(log.text(log.head().namesLine))) {
             titles_.emplace_back(Tarn::trimmed(title));
         }
@@ -127,6 +149,12 @@ private:
                                  fmt::format("{}: {} is no timecode, and will not be found or "
                                              "sorted as one; write 01:02:03:04",
                                              shown(titles_[*column]), inQuotes(text)),
+                                 {titles_[*column]});
+        } else if (timecode && (!timecode->isTimeOfDay || timecode->frames >= framesOfSecond_)) {
+            findings_.addToGroup(titles_[*column] + "\tbeyond", finding::noTimecode, line_,
+                                 fmt::format("{}: {} is beyond 23:59:59:{:02}",
+                                             shown(titles_[*column]), inQuotes(text),
+                                             framesOfSecond_ - 1),
                                  {titles_[*column]});
         }
         return timecode;
@@ -232,6 +260,7 @@ private:
 
     const CheckedLog& log_;
     FindingList& findings_;
+    int framesOfSecond_;
     std::vector<std::string> titles_;
     std::optional<std::size_t> start_;
     std::optional<std::size_t> end_;

@@ -51,8 +51,8 @@ ole_debian_package(development libole-dev libdevel "${libole} (= ${version}), ${
 Tables of shots, takes, timecodes, key numbers, rolls and notes: their file
 format, sorting, searching, tagging, and the import of ALE logs.
 .
-This package holds the headers, the CMake package, the pkg-config file, the guide
-and examples for programs that use ${libole}.")
+This package holds the headers, the CMake package, the pkg-config file, the
+guide and the examples for programs that use ${libole}.")
 ole_debian_package(tool olelog video "${libole} (>= ${version}), ${libtarn} (>= ${version})"
 "import, check, search and export the logs of a shoot
 A filter for ALE logs of cameras and labs, and for table files of logs: it

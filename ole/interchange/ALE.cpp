@@ -152,6 +152,7 @@ public:
             }
             addRow(i);
         }
+        SystemWatchdog::reportProgress(file_.numLines(), file_.numLines());
         return table_.get_num_records() != 0;
     }
 

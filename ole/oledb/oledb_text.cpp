@@ -334,7 +334,11 @@ bool oledb::saveRows(bool namesOnly, bool taggedOnly) {
             row->writeLine(file, line);
         }
     }
-    return file.save(filename_, lineEnds);
+    const bool saved = file.save(filename_, lineEnds);
+    if (saved && rows_.count() != 0) {
+        SystemWatchdog::reportProgress(rows_.count(), rows_.count());
+    }
+    return saved;
 }
 
 int oledb::save_text() {

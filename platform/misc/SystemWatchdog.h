@@ -23,7 +23,9 @@ public:
     static void reportProgress(std::uint64_t done, std::uint64_t total);
     /// Called with what is reported, now and then while a file is read or written: bytes of a file
     /// that comes in pieces, lines of a log, rows that are saved. Within one operation `done` only
-    /// grows, and stays at or below `total`, which is never 0. An empty function switches that off.
-    /// The observer runs in the middle of the operation: it must not touch the table, nor throw.
+    /// grows, and stays at or below `total`, which is never 0; it ends there, unless the operation
+    /// fails. Files whose size is not known, and empty ones, report nothing. An empty function
+    /// switches that off. The observer runs in the middle of the operation: it must not touch the
+    /// table, nor throw.
     static void setProgressObserver(std::function<void(std::uint64_t, std::uint64_t)> observer);
 };

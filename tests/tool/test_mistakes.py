@@ -45,6 +45,17 @@ def test_short_options_take_an_equals_sign(tmp_path):
         (tmp_path / "a.odb").unlink()
 
 
+def test_help_of_a_command_that_there_is_not():
+    assert 'there is no command "impotr"; did you mean import?' in expect(2, "help", "impotr")
+    assert "did you mean --sort?" in expect(2, "show", "--sotr", "--help")
+
+
+def test_a_file_that_looks_like_an_option(tmp_path):
+    (tmp_path / "-day.odb").write_bytes(b"")
+    assert "the file of this name is written ./-day.odb" in expect(2, "show", "-day.odb", cwd=tmp_path)
+    assert '"": cannot be read: No such file or directory' in expect(3, "show", "")
+
+
 def test_help_comes_both_ways():
     for command in (["show"], ["container", "add"], []):
         asked = run("help", *command)

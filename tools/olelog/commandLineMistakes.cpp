@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <fmt/format.h>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -60,6 +62,11 @@ std::string unknownCommand(const CLI::App& command, const std::string& word) {
 
 std::string unknownOption(const CLI::App& command, const std::string& word) {
     const std::string name = word.substr(0, word.find('='));
+    std::error_code failed;
+    if (std::filesystem::exists(word, failed)) {
+        return fmt::format("{} has no option {}; the file of this name is written ./{}",
+                           command.get_name(), name, word);
+    }
     return fmt::format("{} has no option {}{}", command.get_name(), name,
                        didYouMean(nearestOf(name, optionsOf(command))));
 }

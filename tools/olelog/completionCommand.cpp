@@ -18,12 +18,18 @@ namespace {
 constexpr const char* bashScript = R"bash(# bash completion for olelog. Read it in with
 #   source <(olelog completion bash)
 _olelog() {
-    local line cur=${COMP_WORDS[COMP_CWORD]} typed=() word
+    local line cur=${COMP_WORDS[COMP_CWORD]} typed=() word glued=
     COMPREPLY=()
     for word in "${COMP_WORDS[@]:1:COMP_CWORD}"; do
         word=${word//\\/}           # Start\ time, "Start time
         word=${word#[\"\']}
-        typed+=("${word%[\"\']}")
+        word=${word%[\"\']}
+        if [[ $glued || ( $word == '=' && ${typed[-1]-} != -* ) ]]; then
+            typed[-1]+=$word        # Scene=1 comes in three
+            [[ $word == '=' ]] && glued=yes || glued=
+            continue
+        fi
+        typed+=("$word")
     done
     [[ $cur == '=' ]] && cur=
     while IFS= read -r line; do

@@ -206,7 +206,7 @@ int listContainer(const ContainerQuestion& question) {
         const Texts leftOut = printItems(open, out);
         code = out.finish(code);
         if (!leftOut.empty()) {
-            note("{}: {} not shown for want of room: {}", open.file->name(),
+            note("{}: {} not shown for want of room (--fields chooses): {}", open.file->name(),
                  counted(leftOut.size(), "column"), listed(leftOut));
         }
         return code;

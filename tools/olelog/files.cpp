@@ -142,8 +142,11 @@ bool isSameFile(const std::string& input, const std::string& path) {
 
 std::optional<InputFile> InputFile::open(const std::string& name) {
     InputFile input;
-    input.name_ = name == "-" ? "standard input" : name;
+    input.name_ = name == "-" ? "standard input" : name.empty() ? inQuotes(name) : name;
     input.path_ = name;
+    if (name == "-" && isatty(STDIN_FILENO) != 0) {
+        note("reading what is typed; control and D end it");
+    }
     const OpenFile file{name};
     struct stat status {};
     if (const int error = whyUnreadable(file.number(), status)) {

@@ -41,7 +41,8 @@ std::string commandPath(const CLI::App& app) {
 
 /// Tells what is wrong with the command line, or prints the help that it asked for.
 int endEarly(const CLI::App& app, const CLI::ParseError& reason) {
-    if (dynamic_cast<const CLI::CallForHelp*>(&reason)) {
+    const bool knowsAllWords = app.remaining(true).empty();
+    if (dynamic_cast<const CLI::CallForHelp*>(&reason) && knowsAllWords) {
         return printOnOutput(app.help());
     }
     if (dynamic_cast<const CLI::CallForVersion*>(&reason)) {

@@ -93,7 +93,7 @@ std::string printAligned(const Selection& selection, const ShowOptions& options,
         return tag >= 0 && Tarn::parseInt(number) != 0;
     });
     return leftOut.empty() ? ""
-                           : fmt::format("{} not shown for want of room: {}",
+                           : fmt::format("{} not shown for want of room (--fields chooses): {}",
                                          counted(leftOut.size(), "column"), listed(leftOut));
 }
 

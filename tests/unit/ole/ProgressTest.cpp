@@ -57,12 +57,14 @@ TEST(Progress, GrowsWhileFilesAreReadAndWritten) {
     const auto imported = reports.take();
     ASSERT_GE(imported.size(), 10U);
     EXPECT_EQ(imported.back().total, rows + 4);
+    EXPECT_EQ(imported.back().done, rows + 4);
 
     table->set_filename(folder.wide("saved"));
     ASSERT_EQ(table->save_text(), static_cast<int>(rows));
     const auto saved = reports.take();
     ASSERT_GE(saved.size(), 10U);
     EXPECT_EQ(saved.back().total, rows);
+    EXPECT_EQ(saved.back().done, rows);
 
     const oledb loaded{folder.wide("saved"), static_cast<int>(rows), true};
     const auto read = reports.take();

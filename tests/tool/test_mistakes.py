@@ -15,6 +15,8 @@ from olelog import expect, run, write_log
         (["container", "lsit", "a.sg"], 'there is no command "lsit"; did you mean list?'),
         (["show", "a.odb", "--sortt", "Scene"], "show has no option --sortt; did you mean --sort?"),
         (["show", "a.odb", "--frmat=csv"], "show has no option --frmat; did you mean --format?"),
+        (["show", "a.odb", "--json"], "show has no option --json; it is --format json here"),
+        (["import", "a.ale", "-o", "a", "-o", "b"], "--output is given more than once, and takes one value"),
         (["show", "-o", "a.odb"], "show has no option -o\n"),
         (["sort", "a.odb", "--by", "Scene", "Shot"], '"Shot" has no place here; names of a list'),
         (["info", "a.odb", "b.odb"], '"b.odb" has no place here'),

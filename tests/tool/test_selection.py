@@ -199,6 +199,11 @@ def test_save_through_pipes(tmp_path, table):
     assert (got.returncode, got.stderr, got.stdout) == (0, b"", (tmp_path / "s.odb").read_bytes())
 
 
+def test_what_is_not_meant_is_told(table):
+    assert "there is no exact match" in expect(1, "show", table, "--where", "Scene==1")
+    assert "--unique takes one field" in expect(2, "show", table, "--unique", "Scene,Shot")
+
+
 def test_save_in_place(tmp_path, table):
     before = table.read_bytes()
     os.symlink(table, tmp_path / "link.odb")

@@ -67,8 +67,12 @@ std::string unknownOption(const CLI::App& command, const std::string& word) {
         return fmt::format("{} has no option {}; the file of this name is written ./{}",
                            command.get_name(), name, word);
     }
+    const std::vector<std::string> known = optionsOf(command);
+    if (name == "--json" && std::count(known.begin(), known.end(), "--format") != 0) {
+        return fmt::format("{} has no option --json; it is --format json here", command.get_name());
+    }
     return fmt::format("{} has no option {}{}", command.get_name(), name,
-                       didYouMean(nearestOf(name, optionsOf(command))));
+                       didYouMean(nearestOf(name, known)));
 }
 
 std::string surplusWord(const CLI::App& command, const std::string& word) {
@@ -112,5 +116,9 @@ std::string describeMistake(const CLI::App& app, const CLI::ParseError& reason) 
     if (!unknown.empty() && dynamic_cast<const CLI::ExtrasError*>(&reason)) {
         return surplusWord(command, unknown.front());
     }
-    return withShortName(command, reason.what());
+    const std::string message = reason.what();
+    if (const std::size_t at = message.find(": At Most 1 "); at != std::string::npos) {
+        return message.substr(0, at) + " is given more than once, and takes one value";
+    }
+    return withShortName(command, message);
 }

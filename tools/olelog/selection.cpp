@@ -72,6 +72,11 @@ std::optional<Condition> conditionOf(oledb& table, const std::string& text) {
         name = Tarn::trimmed(name);
         pattern = Tarn::trimmedFront(pattern);
     }
+    if (pattern.size() > 1 && pattern.starts_with('=')) {
+        note("--where {}: looks for values that hold {}; FIELD=PATTERN finds a text wherever it "
+             "stands, and there is no exact match",
+             inQuotes(text), inQuotes(pattern));
+    }
     const auto col = columnOf(table, "--where", name);
     return col ? std::optional{Condition{*col, std::move(pattern)}} : std::nullopt;
 }
@@ -99,6 +104,9 @@ bool takeKeys(oledb& table, const SelectionOptions& options, Wish& wish) {
 bool takeUnique(oledb& table, const SelectionOptions& options, Wish& wish) {
     if (!options.unique.empty()) {
         wish.unique = columnOf(table, "--unique", options.unique);
+        if (!wish.unique && options.unique.find(',') != std::string::npos) {
+            sayLine("--unique takes one field; olelog dedupe --by takes several");
+        }
         return wish.unique.has_value();
     }
     return true;

@@ -223,6 +223,9 @@ def test_a_key_of_several_rows_is_told(tmp_path):
     other = write_table(tmp_path / "o.odb", ["Name", "Scene", "Notes"], [["A1", "1", "print"], ["A2", "2", "no good"]])
     said = expect(1, "merge", table, other, "--by", "Scene", "--dry-run")
     assert f'row 1, "A1" of {other} matches 2 rows: row 1, "A1", row 2, "B1"' in said and said.count("matches 2") == 1
+    assert 'row 2, "B1": Notes: "print" would be filled in' in said
+    many = write_table(tmp_path / "m.odb", ["Name", "Scene"], [[f"n{i}", "1"] for i in range(9)])
+    assert 'matches 9 rows: row 1, "n0", row 2, "n1", row 3, "n2", row 4, "n3", row 5, "n4", ...;' in expect(1, "merge", many, other, "--by", "Scene")
     said = expect(0, "merge", table, other, "--by", "Scene,Name")
     assert 'row 1, "A1": Notes: "print" filled in' in said and "matches 2" not in said
 

@@ -34,6 +34,7 @@
 namespace {
 
 constexpr std::size_t mostFilledTold = 20;
+constexpr std::ptrdiff_t mostRowsTold = 5;
 
 struct MergeOptions {
     EditOptions edit;
@@ -73,6 +74,7 @@ public:
     }
 
     EditOutcome run(const EditOptions& edit) {
+        would_ = wouldBe(edit);
         const bool repeated = keys_.empty() && tellRepeated();
         if (!keys_.empty()) {
             fillMatches();
@@ -236,16 +238,18 @@ private:
     }
 
     /// A key that several rows of the table have may put values into takes that they do not belong
-    /// to: which rows these are is told.
+    /// to: the first of these rows are told.
     void tellAmbiguous(unsigned from, Matches::const_iterator first,
                        Matches::const_iterator behind) {
+        const auto count = std::distance(first, behind);
         std::vector<std::string> rows;
-        std::transform(first, behind, std::back_inserter(rows),
+        std::transform(first, std::next(first, std::min(count, mostRowsTold)),
+                       std::back_inserter(rows),
                        [this](const auto& match) { return rowAndName(table_, match.second); });
-        ambiguous_.tell(fmt::format("{} of {} matches {} rows: {}; a further field in --by parts "
+        ambiguous_.tell(fmt::format("{} of {} matches {} rows: {}{}; a further field in --by parts "
                                     "them",
-                                    rowAndName(taken_, from), otherName_, rows.size(),
-                                    fmt::join(rows, ", ")));
+                                    rowAndName(taken_, from), otherName_, count,
+                                    fmt::join(rows, ", "), count > mostRowsTold ? ", ..." : ""));
     }
 
     /// A row's tag is its table's own, also where it has none.
@@ -274,8 +278,8 @@ private:
     /// The first values that were filled in, so that a wrong key is noticed.
     void tellFilled(unsigned row, unsigned col, std::string_view value) {
         if (filled_ < mostFilledTold) {
-            note("{}: {}: {} filled in", rowAndName(table_, row), table_.get_fieldname(col),
-                 inQuotes(value));
+            note("{}: {}: {} {}filled in", rowAndName(table_, row), table_.get_fieldname(col),
+                 inQuotes(value), would_);
         }
     }
 
@@ -324,7 +328,8 @@ private:
     Findings differences_;
     Findings unread_;
     Findings ambiguous_;
-    Findings known_; // identifiers that stand in the table and are added again
+    std::string_view would_; // "would be " where nothing is written
+    Findings known_;         // identifiers that stand in the table and are added again
     int cookieCol_ = -1;
     std::unordered_map<std::string, std::string> cookies_; // the row that has each
     std::size_t tagsNotTaken_ = 0;
